@@ -1,0 +1,25 @@
+#include "db/address_sql.h"
+
+namespace qivo::db {
+
+QString DZ() {
+    return QStringLiteral(
+        "(case when B.[地址1] is not null then B.[地址1] else '' end) +"
+        " (case when B.[字1] is not null then B.[字1] else '' end) +"
+        " (case when B.[地址2] is not null then B.[地址2] else '' end) +"
+        " (case when B.[字2] is not null then B.[字2] else '' end) +"
+        " (case when B.[地址3] is not null then B.[地址3] else '' end) +"
+        " (case when B.[字3] is not null then B.[字3] else '' end) +"
+        " (case when B.[地址4] is not null then B.[地址4] else '' end) +"
+        " (case when B.[字4] is not null then B.[字4] else '' end) +"
+        " (case when C.[室] is not null then C.[室] else '' end) +"
+        " (case when C.[字] is not null then C.[字] else '' end) as DZ ");
+}
+
+QString AddressOrder() {
+    return QStringLiteral(
+        " order by 项目, len(地址1), 地址1, len(地址2), 地址2, len(地址3), 地址3, len(地址4), "
+        "地址4, Len(室), 室");
+}
+
+}  // namespace qivo::db

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace qivo::platform {
+class AdoConnection;
+}
+
+namespace qivo::db {
+
+// Creates every table the program reads or writes in an empty embedded database: keys as
+// identities, text columns with the SQL-Server-like collation, date columns that accept only
+// dates, flags as 0/1, and the indexes an estate database has on its keys.
+void createEmbeddedSchema(platform::AdoConnection& connection);
+
+}  // namespace qivo::db

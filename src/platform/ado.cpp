@@ -1,0 +1,306 @@
+#include "platform/ado.h"
+
+#include <QAtomicInt>
+#include <QCoreApplication>
+#include <QDate>
+#include <QDateTime>
+#include <QRegularExpression>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+#include "platform/engine.h"
+#include "platform/runtime_error.h"
+
+namespace qivo::platform {
+namespace {
+
+QString nextConnectionName() {
+    static QAtomicInt counter;
+    return QStringLiteral("qivo-%1").arg(counter.fetchAndAddRelaxed(1));
+}
+
+// The one table a keyset record set selects from.
+QString tableOf(const QString& sql) {
+    static const QRegularExpression from(QStringLiteral(R"(\bfrom\s+(\[[^\]]+\]|[^\s,;]+))"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = from.match(sql);
+    if (!match.hasMatch()) {
+        throw RuntimeError(err::ProviderError, QStringLiteral("无法确定要更新的表：") + sql);
+    }
+    QString table = match.captured(1);
+    if (table.startsWith(u'[')) {
+        table = table.mid(1, table.size() - 2);
+    }
+    return table;
+}
+
+void execOrThrow(QSqlQuery& query, const QString& sql) {
+    if (!query.exec(sql)) {
+        throwSqlError(query.lastError());
+    }
+}
+
+}  // namespace
+
+AdoConnection::AdoConnection() = default;
+
+AdoConnection::~AdoConnection() {
+    // The shared connection lives until the process ends; by then Qt's registry is gone.
+    if (name_.isEmpty() || !QCoreApplication::instance()) {
+        return;
+    }
+    QSqlDatabase::database(name_, false).close();
+    QSqlDatabase::removeDatabase(name_);
+}
+
+void AdoConnection::Open() {
+    const QMap<QString, QString> parts = parseConnectionString(ConnectionString);
+    auto engine = engineFor(parts.value(QStringLiteral("data source")));
+    const QString name = nextConnectionName();
+    try {
+        engine->open(name, parts, ConnectionTimeout);
+    } catch (...) {
+        QSqlDatabase::removeDatabase(name);
+        throw;
+    }
+    engine_ = std::move(engine);
+    name_ = name;
+}
+
+bool AdoConnection::isOpen() const {
+    return engine_ && QSqlDatabase::database(name_, false).isOpen();
+}
+
+void AdoConnection::requireOpen() const {
+    if (!isOpen()) {
+        throw RuntimeError(err::ObjectClosed, QStringLiteral("对象关闭时，不允许操作。"));
+    }
+}
+
+const Engine& AdoConnection::engine() const {
+    requireOpen();
+    return *engine_;
+}
+
+QSqlDatabase AdoConnection::database() const {
+    requireOpen();
+    return QSqlDatabase::database(name_, false);
+}
+
+void AdoConnection::Execute(const QString& sql) {
+    QSqlDatabase db = database();
+    const QStringList statements = engine_->statements(sql);
+    QSqlQuery query(db);
+    if (statements.size() == 1) {
+        execOrThrow(query, statements.front());
+        return;
+    }
+    if (!db.transaction()) {
+        throwSqlError(db.lastError());
+    }
+    try {
+        for (const QString& statement : statements) {
+            execOrThrow(query, statement);
+        }
+    } catch (...) {
+        query.finish();
+        db.rollback();
+        throw;
+    }
+    if (!db.commit()) {
+        const QSqlError error = db.lastError();
+        db.rollback();
+        throwSqlError(error);
+    }
+}
+
+Recordset::Recordset() = default;
+Recordset::~Recordset() = default;
+
+void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType cursor,
+                     LockType lock) {
+    QSqlDatabase db = connection.database();
+    const QStringList statements = connection.engine().statements(sql);
+    connection_ = &connection;
+    updatable_ = cursor == adOpenKeyset && lock == adLockOptimistic;
+    table_ = updatable_ ? tableOf(sql) : QString();
+    adding_ = false;
+    query_ = std::make_unique<QSqlQuery>(db);
+    query_->setForwardOnly(true);
+    execOrThrow(*query_, statements.value(0));
+    const QSqlRecord record = query_->record();
+    names_.clear();
+    index_.clear();
+    for (int i = 0; i < record.count(); ++i) {
+        names_ << record.fieldName(i);
+        index_.insert(record.fieldName(i).toLower(), i);
+    }
+    values_.assign(names_.size(), QVariant());
+    dirty_.assign(names_.size(), false);
+    fetchNext();
+}
+
+void Recordset::fetchNext() {
+    eof_ = !query_->next();
+    if (eof_) {
+        return;
+    }
+    for (int i = 0; i < static_cast<int>(values_.size()); ++i) {
+        values_[i] = query_->value(i);
+    }
+}
+
+bool Recordset::Eof() const {
+    return eof_;
+}
+
+void Recordset::MoveNext() {
+    requireRecord();
+    fetchNext();
+}
+
+void Recordset::requireRecord() const {
+    if (!query_ || (eof_ && !adding_)) {
+        throw RuntimeError(err::NoCurrentRecord,
+                           QStringLiteral("BOF 或 EOF 中有一个是“真”，或者当前记录已被删除，"
+                                          "所需的操作要求一个当前的记录。"));
+    }
+}
+
+int Recordset::fieldIndex(const QString& name) const {
+    const int index = index_.value(name.toLower(), -1);
+    if (index < 0) {
+        throw RuntimeError(err::ItemNotFound,
+                           QStringLiteral("在对应所需名称或序数的集合中，未找到项目。"));
+    }
+    return index;
+}
+
+QVariant Recordset::Fields(const QString& name) const {
+    requireRecord();
+    return values_[fieldIndex(name)];
+}
+
+QVariant Recordset::field(int index) const {
+    requireRecord();
+    if (index < 0 || index >= static_cast<int>(values_.size())) {
+        throw RuntimeError(err::ItemNotFound,
+                           QStringLiteral("在对应所需名称或序数的集合中，未找到项目。"));
+    }
+    return values_[index];
+}
+
+void Recordset::AddNew() {
+    if (!updatable_) {
+        throw RuntimeError(err::ProviderError, QStringLiteral("当前记录集不支持更新。"));
+    }
+    query_->finish();
+    adding_ = true;
+    values_.assign(names_.size(), QVariant());
+    dirty_.assign(names_.size(), false);
+}
+
+void Recordset::setField(const QString& name, const QVariant& value) {
+    requireRecord();
+    if (!updatable_) {
+        throw RuntimeError(err::ProviderError, QStringLiteral("当前记录集不支持更新。"));
+    }
+    const int index = fieldIndex(name);
+    values_[index] = value;
+    dirty_[index] = true;
+}
+
+void Recordset::Update() {
+    requireRecord();
+    if (!updatable_) {
+        throw RuntimeError(err::ProviderError, QStringLiteral("当前记录集不支持更新。"));
+    }
+    query_->finish();
+    const Engine& engine = connection_->engine();
+    QSqlDatabase db = connection_->database();
+    QStringList columns;
+    QVariantList values;
+    for (int i = 0; i < static_cast<int>(names_.size()); ++i) {
+        if (dirty_[i]) {
+            columns << names_[i];
+            values << values_[i];
+        }
+    }
+    if (adding_) {
+        const QVariant key = engine.insertRow(db, table_, columns, values);
+        adding_ = false;
+        readBack(key);
+        return;
+    }
+    const QString keyColumn = engine.identityColumn(db, table_);
+    const QVariant key = values_[fieldIndex(keyColumn)];
+    if (!columns.isEmpty()) {
+        QStringList assignments;
+        for (const QString& column : columns) {
+            assignments << engine.quoteName(column) + QStringLiteral(" = ?");
+        }
+        QSqlQuery update(db);
+        update.prepare(QStringLiteral("update %1 set %2 where %3 = ?")
+                           .arg(engine.quoteName(table_), assignments.join(QStringLiteral(", ")),
+                                engine.quoteName(keyColumn)));
+        for (const QVariant& value : values) {
+            update.addBindValue(value);
+        }
+        update.addBindValue(key);
+        if (!update.exec()) {
+            throwSqlError(update.lastError());
+        }
+    }
+    readBack(key);
+}
+
+// After a write the record shows what the database stored (converted dates, the new key).
+void Recordset::readBack(const QVariant& key) {
+    const Engine& engine = connection_->engine();
+    QSqlDatabase db = connection_->database();
+    QStringList columns;
+    for (const QString& name : names_) {
+        columns << engine.quoteName(name);
+    }
+    query_ = std::make_unique<QSqlQuery>(db);
+    query_->setForwardOnly(true);
+    query_->prepare(QStringLiteral("select %1 from %2 where %3 = ?")
+                        .arg(columns.join(u','), engine.quoteName(table_),
+                             engine.quoteName(engine.identityColumn(db, table_))));
+    query_->addBindValue(key);
+    if (!query_->exec()) {
+        throwSqlError(query_->lastError());
+    }
+    dirty_.assign(names_.size(), false);
+    fetchNext();
+}
+
+QString fieldText(const QVariant& value) {
+    if (value.isNull()) {
+        return {};
+    }
+    switch (value.typeId()) {
+        case QMetaType::QDate:
+            return value.toDate().toString(QStringLiteral("yyyy-MM-dd"));
+        case QMetaType::QDateTime: {
+            const QDateTime moment = value.toDateTime();
+            return moment.time() == QTime(0, 0)
+                       ? moment.date().toString(QStringLiteral("yyyy-MM-dd"))
+                       : moment.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        }
+        case QMetaType::Bool:
+            return value.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+        default:
+            return value.toString();
+    }
+}
+
+QString requireText(const QVariant& value) {
+    if (value.isNull()) {
+        throw RuntimeError(err::InvalidUseOfNull, QStringLiteral("无效使用 Null"));
+    }
+    return fieldText(value);
+}
+
+}  // namespace qivo::platform

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QMap>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <memory>
+
+class QSqlQuery;
+
+namespace qivo::platform {
+
+// The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
+// with their single quotes removed.
+QMap<QString, QString> parseConnectionString(const QString& connectionString);
+
+// What differs between the two database engines.
+class Engine {
+  public:
+    virtual ~Engine() = default;
+
+    // Opens the database under the given Qt connection name; throws RuntimeError on failure.
+    virtual QSqlDatabase open(const QString& name, const QMap<QString, QString>& parts,
+                              int loginTimeout) const = 0;
+
+    // The statements to run for one command text, in order, in this engine's dialect.
+    virtual QStringList statements(const QString& sql) const = 0;
+
+    // The identity column of a table, for writing back and reading back a saved row.
+    virtual QString identityColumn(QSqlDatabase& db, const QString& table) const = 0;
+
+    // Runs a prepared INSERT (columns bound in order) and returns the identity it assigned.
+    virtual QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                               const QVariantList& values) const = 0;
+
+    virtual QString quoteName(const QString& name) const = 0;
+};
+
+// "sqlite:PATH" is the embedded engine, anything else SQL Server over ODBC.
+std::unique_ptr<Engine> engineFor(const QString& dataSource);
+
+// Turns a failed Qt SQL call into the RuntimeError the screens see.
+[[noreturn]] void throwSqlError(const class QSqlError& error);
+
+}  // namespace qivo::platform

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <QString>
+#include <QTableView>
+#include <memory>
+
+namespace qivo::platform {
+
+class FlexGridModel;
+
+// Cell alignment codes of the flex grid.
+constexpr int flexAlignLeftCenter = 1;
+constexpr int flexAlignCenterCenter = 4;
+constexpr int flexAlignRightCenter = 7;
+
+// The flexible grid: row 0 is the header row, rows 1 .. Rows()-1 hold data. Colours are BGR
+// integers (0xFF0000 is blue); a cell without a colour of its own reads back as 0.
+// While the grid is hidden, writes emit no per-cell signals; showing it resets the view once.
+class FlexGrid final : public QTableView {
+    Q_OBJECT
+public:
+    explicit FlexGrid(QWidget* parent = nullptr);
+    ~FlexGrid() override;
+
+    int Rows() const;
+    void setRows(int rows);
+    int Cols() const;
+    void setCols(int cols);
+
+    int Row() const { return row_; }
+    void setRow(int row);
+    int Col() const { return col_; }
+    void setCol(int col);
+    int ColSel() const { return colSel_; }
+    void setColSel(int col);
+
+    QString TextMatrix(int row, int col) const;
+    void setTextMatrix(int row, int col, const QString& text);
+    qint32 RowData(int row) const;
+    void setRowData(int row, qint32 value);
+
+    int ColWidth(int col) const;  // twips
+    void setColWidth(int col, int twips);
+    int ColAlignment(int col) const;
+    void setColAlignment(int col, int code);
+    int ColAlignmentFixed(int col) const;
+    void setColAlignmentFixed(int col, int code);
+
+    void setCellForeColor(quint32 bgr);  // the current cell (Row, Col)
+    void setCellBackColor(quint32 bgr);
+    quint32 cellForeColor(int row, int col) const;
+    quint32 cellBackColor(int row, int col) const;
+
+    void RemoveItem(int row);
+
+    QString FormatString() const { return formatString_; }
+    // "<序    |<项目名称   |^操作 |": columns, header texts, data alignments ('<' left,
+    // '^' centre, '>' right) and initial widths from the header text's width, blanks included.
+    // A trailing '|' adds a last untitled column.
+    void setFormatString(const QString& format);
+
+    // The visual rectangle of a cell (row 0 is the header), for tests that click like a user.
+    QRect cellRect(int row, int col) const;
+
+Q_SIGNALS:
+    void Click();
+    void DblClick();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+private:
+    void checkCell(int row, int col) const;  // throws RuntimeError 381 for a cell outside the grid
+    void updateSelection();
+
+    std::unique_ptr<FlexGridModel> model_;
+    QString formatString_;
+    int row_ = 0;
+    int col_ = 0;
+    int colSel_ = 0;
+};
+
+}  // namespace qivo::platform

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+namespace qivo::platform {
+
+// A top-level screen. Show() loads it on first use (Form_Load), shows it and brings it to the
+// front; Unload() closes it (Form_Unload) and the next Show() loads it again. Activation runs
+// Form_Activate, a size change Form_Resize; each on the common error path.
+class Form : public QWidget {
+    Q_OBJECT
+public:
+    explicit Form(QWidget* parent = nullptr);
+
+    void Load();
+    void Show();
+    void Unload();
+    bool isLoaded() const { return loaded_; }
+
+    virtual void Form_Load() {}
+    virtual void Form_Activate() {}
+    virtual void Form_Resize() {}
+    virtual void Form_Unload() {}
+
+    // Inner width and height in twips.
+    int ScaleWidth() const;
+    int ScaleHeight() const;
+
+    QString Tag;
+
+protected:
+    bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    bool loaded_ = false;
+};
+
+}  // namespace qivo::platform

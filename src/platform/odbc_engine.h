@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/engine.h"
+
+namespace qivo::platform {
+
+// SQL Server over ODBC: statements go out as the program wrote them.
+class OdbcEngine final : public Engine {
+  public:
+    QSqlDatabase open(const QString& name, const QMap<QString, QString>& parts,
+                      int loginTimeout) const override;
+    QStringList statements(const QString& sql) const override;
+    QString identityColumn(QSqlDatabase& db, const QString& table) const override;
+    QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                       const QVariantList& values) const override;
+    QString quoteName(const QString& name) const override;
+};
+
+// The ODBC driver to use: $QIVO_ODBC_DRIVER, else the best installed SQL Server driver.
+QString odbcDriverName();
+
+// The ODBC connection string for the parts of an ADO connection string.
+QString odbcConnectionString(const QMap<QString, QString>& parts, const QString& driver);
+
+}  // namespace qivo::platform

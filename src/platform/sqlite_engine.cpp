@@ -1,0 +1,92 @@
+#include "platform/sqlite_engine.h"
+
+#include <sqlite3.h>
+
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+
+#include "platform/runtime_error.h"
+#include "platform/sql_text.h"
+#include "platform/sqlite_functions.h"
+
+namespace qivo::platform {
+
+QString dateConversionMessage() {
+    return QStringLiteral("从字符串转换日期和/或时间时，转换失败。");
+}
+
+QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString>&,
+                                int loginTimeout) const {
+    // An absent file is a wrong setting, not a new empty database.
+    if (!QFileInfo(path_).isFile()) {
+        throw RuntimeError(err::ProviderError,
+                           QStringLiteral("无法打开数据库文件“%1”：文件不存在。").arg(path_));
+    }
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+    db.setDatabaseName(path_);
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(loginTimeout * 1000));
+    if (!db.open()) {
+        throwSqlError(db.lastError());
+    }
+    const QVariant handle = db.driver()->handle();
+    sqlite3* sqlite =
+        handle.isValid() ? *static_cast<sqlite3* const*>(handle.constData()) : nullptr;
+    if (!sqlite || !registerSqliteFunctions(sqlite)) {
+        throw RuntimeError(err::ProviderError, QStringLiteral("无法初始化嵌入式数据库。"));
+    }
+    // A file that is not a database fails here rather than at the first screen.
+    QSqlQuery probe(db);
+    if (!probe.exec(QStringLiteral("select count(*) from sqlite_master"))) {
+        throwSqlError(probe.lastError());
+    }
+    return db;
+}
+
+QStringList SqliteEngine::statements(const QString& sql) const {
+    QStringList result = splitStatements(sql);
+    for (QString& statement : result) {
+        statement = translateForSqlite(statement);
+    }
+    return result;
+}
+
+QString SqliteEngine::identityColumn(QSqlDatabase& db, const QString& table) const {
+    QSqlQuery query(db);
+    if (!query.exec(QStringLiteral("select name from pragma_table_info(%1) where pk = 1")
+                        .arg(quoteName(table).replace(u'"', u'\'')))) {
+        throwSqlError(query.lastError());
+    }
+    return query.next() ? query.value(0).toString() : QString();
+}
+
+QVariant SqliteEngine::insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                                 const QVariantList& values) const {
+    QStringList names;
+    for (const QString& column : columns) {
+        names << quoteName(column);
+    }
+    const QString sql = columns.isEmpty()
+                            ? QStringLiteral("insert into %1 default values").arg(quoteName(table))
+                            : QStringLiteral("insert into %1 (%2) values (%3)")
+                                  .arg(quoteName(table), names.join(u','),
+                                       QStringList(columns.size(), QStringLiteral("?")).join(u','));
+    QSqlQuery query(db);
+    if (!query.prepare(sql)) {
+        throwSqlError(query.lastError());
+    }
+    for (const QVariant& value : values) {
+        query.addBindValue(value);
+    }
+    if (!query.exec()) {
+        throwSqlError(query.lastError());
+    }
+    return query.lastInsertId();
+}
+
+QString SqliteEngine::quoteName(const QString& name) const {
+    return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+}  // namespace qivo::platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "platform/ado.h"
+
+namespace qivo::Connection {
+
+// The shared connection, replaced by every OpenConnection and never closed by the program.
+inline std::unique_ptr<platform::AdoConnection> Cn;
+
+// The last connection string OpenConnection composed.
+inline QString ConnectionString;
+
+// Opens a new shared connection. On failure shows "错误信息：" + the error's description and
+// returns false.
+bool OpenConnection(QString& userId, QString& password, QString& catalog, QString& dataSource);
+
+// The shared connection; created unopened on first use when nothing has opened one yet.
+platform::AdoConnection& cn();
+
+}  // namespace qivo::Connection
+
+namespace qivo {
+
+// Reads the four connection settings and opens the shared connection; on failure shows
+// "数据库连接失败!" and returns false.
+bool ConnectDatabase();
+
+}  // namespace qivo
