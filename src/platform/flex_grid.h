@@ -3,6 +3,7 @@
 #include <QString>
 #include <QTableView>
 #include <memory>
+#include <vector>
 
 namespace qivo::platform {
 
@@ -18,7 +19,7 @@ constexpr int flexAlignRightCenter = 7;
 // While the grid is hidden, writes emit no per-cell signals; showing it resets the view once.
 class FlexGrid final : public QTableView {
     Q_OBJECT
-public:
+  public:
     explicit FlexGrid(QWidget* parent = nullptr);
     ~FlexGrid() override;
 
@@ -62,22 +63,32 @@ public:
     // The visual rectangle of a cell (row 0 is the header), for tests that click like a user.
     QRect cellRect(int row, int col) const;
 
-Q_SIGNALS:
+  Q_SIGNALS:
     void Click();
     void DblClick();
 
-protected:
+  protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
-private:
+  private:
     void checkCell(int row, int col) const;  // throws RuntimeError 381 for a cell outside the grid
+    void moveTo(int row, int col);
     void updateSelection();
+    int defaultWidthTwips() const;
+    void applyColumnWidth(int col);
+    void applyColumnWidths();
+    void rememberUserWidth(int col, int pixels);
 
     std::unique_ptr<FlexGridModel> model_;
     QString formatString_;
+    std::vector<int> widths_;  // twips; 0 hides the column
+    bool applyingWidths_ = false;
     int row_ = 0;
     int col_ = 0;
     int colSel_ = 0;

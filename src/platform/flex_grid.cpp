@@ -1,0 +1,322 @@
+#include "platform/flex_grid.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QStringList>
+#include <algorithm>
+
+#include "platform/flex_grid_model.h"
+#include "platform/runtime_error.h"
+#include "platform/twips.h"
+
+namespace qivo::platform {
+
+namespace {
+
+constexpr long kBadSubscript = 381;
+constexpr int kTextPaddingPixels = 8;
+
+int alignmentOfMark(QChar mark) {
+    switch (mark.unicode()) {
+        case '^':
+            return flexAlignCenterCenter;
+        case '>':
+            return flexAlignRightCenter;
+        default:
+            return flexAlignLeftCenter;
+    }
+}
+
+bool isAlignmentMark(QChar c) {
+    return c == '<' || c == '^' || c == '>';
+}
+
+}  // namespace
+
+FlexGrid::FlexGrid(QWidget* parent) : QTableView(parent), model_(new FlexGridModel) {
+    setModel(model_.get());
+    setSelectionBehavior(SelectItems);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setWordWrap(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setSectionsClickable(false);
+    horizontalHeader()->setHighlightSections(false);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this,
+            [this](int col, int, int pixels) { rememberUserWidth(col, pixels); });
+}
+
+FlexGrid::~FlexGrid() {
+    // The view must let go of the model before the model goes.
+    setModel(nullptr);
+}
+
+int FlexGrid::Rows() const {
+    return model_->rows();
+}
+
+void FlexGrid::setRows(int rows) {
+    if (rows < 1) {
+        throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+    }
+    model_->setRows(rows);
+    row_ = std::min(row_, rows - 1);
+    updateSelection();
+}
+
+int FlexGrid::Cols() const {
+    return model_->cols();
+}
+
+void FlexGrid::setCols(int cols) {
+    if (cols < 0) {
+        throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+    }
+    widths_.resize(static_cast<std::size_t>(cols), defaultWidthTwips());
+    model_->setCols(cols);
+    col_ = std::clamp(col_, 0, std::max(cols - 1, 0));
+    colSel_ = col_;
+    applyColumnWidths();
+    updateSelection();
+}
+
+void FlexGrid::setRow(int row) {
+    checkCell(row, 0);
+    moveTo(row, col_);
+}
+
+void FlexGrid::setCol(int col) {
+    checkCell(0, col);
+    moveTo(row_, col);
+}
+
+void FlexGrid::setColSel(int col) {
+    checkCell(0, col);
+    colSel_ = col;
+    updateSelection();
+}
+
+QString FlexGrid::TextMatrix(int row, int col) const {
+    checkCell(row, col);
+    return model_->text(row, col);
+}
+
+void FlexGrid::setTextMatrix(int row, int col, const QString& text) {
+    checkCell(row, col);
+    model_->setText(row, col, text);
+}
+
+qint32 FlexGrid::RowData(int row) const {
+    checkCell(row, 0);
+    return model_->rowData(row);
+}
+
+void FlexGrid::setRowData(int row, qint32 value) {
+    checkCell(row, 0);
+    model_->setRowData(row, value);
+}
+
+int FlexGrid::ColWidth(int col) const {
+    checkCell(0, col);
+    return widths_[static_cast<std::size_t>(col)];
+}
+
+void FlexGrid::setColWidth(int col, int twips) {
+    checkCell(0, col);
+    widths_[static_cast<std::size_t>(col)] = std::max(twips, 0);
+    applyColumnWidth(col);
+}
+
+int FlexGrid::ColAlignment(int col) const {
+    checkCell(0, col);
+    return model_->alignment(col);
+}
+
+void FlexGrid::setColAlignment(int col, int code) {
+    checkCell(0, col);
+    model_->setAlignment(col, code);
+}
+
+int FlexGrid::ColAlignmentFixed(int col) const {
+    checkCell(0, col);
+    return model_->fixedAlignment(col);
+}
+
+void FlexGrid::setColAlignmentFixed(int col, int code) {
+    checkCell(0, col);
+    model_->setFixedAlignment(col, code);
+}
+
+void FlexGrid::setCellForeColor(quint32 bgr) {
+    checkCell(row_, col_);
+    model_->setForeColor(row_, col_, bgr);
+}
+
+void FlexGrid::setCellBackColor(quint32 bgr) {
+    checkCell(row_, col_);
+    model_->setBackColor(row_, col_, bgr);
+}
+
+quint32 FlexGrid::cellForeColor(int row, int col) const {
+    checkCell(row, col);
+    return model_->foreColor(row, col);
+}
+
+quint32 FlexGrid::cellBackColor(int row, int col) const {
+    checkCell(row, col);
+    return model_->backColor(row, col);
+}
+
+void FlexGrid::RemoveItem(int row) {
+    if (row < 1) {
+        throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+    }
+    checkCell(row, 0);
+    model_->removeGridRow(row);
+    row_ = std::min(row_, Rows() - 1);
+    updateSelection();
+}
+
+void FlexGrid::setFormatString(const QString& format) {
+    const QStringList segments = format.split('|');
+    setCols(static_cast<int>(segments.size()));
+    for (int col = 0; col < Cols(); ++col) {
+        QString segment = segments[col];
+        if (!segment.isEmpty() && isAlignmentMark(segment.front())) {
+            const int code = alignmentOfMark(segment.front());
+            model_->setAlignment(col, code);
+            model_->setFixedAlignment(col, code);
+            segment.remove(0, 1);
+        }
+        // The blanks behind a header text are there to widen the column.
+        const int pixels = fontMetrics().horizontalAdvance(segment) + kTextPaddingPixels;
+        widths_[static_cast<std::size_t>(col)] =
+            segment.isEmpty() ? defaultWidthTwips() : pixelsToTwips(pixels);
+        while (segment.endsWith(' ')) {
+            segment.chop(1);
+        }
+        model_->setText(0, col, segment);
+    }
+    formatString_ = format;
+    applyColumnWidths();
+}
+
+QRect FlexGrid::cellRect(int row, int col) const {
+    checkCell(row, col);
+    if (row == 0) {
+        const QHeaderView* header = horizontalHeader();
+        return {header->sectionViewportPosition(col), 0, header->sectionSize(col),
+                header->height()};
+    }
+    return visualRect(model_->index(row - 1, col));
+}
+
+void FlexGrid::showEvent(QShowEvent* event) {
+    QTableView::showEvent(event);
+    if (!model_->isLive()) {
+        model_->setLive(true);
+        applyColumnWidths();
+        updateSelection();
+    }
+}
+
+void FlexGrid::hideEvent(QHideEvent* event) {
+    QTableView::hideEvent(event);
+    // A minimised window stays visible; only a real hide stops the view's updates.
+    if (!isVisible()) {
+        model_->setLive(false);
+    }
+}
+
+void FlexGrid::mousePressEvent(QMouseEvent* event) {
+    QTableView::mousePressEvent(event);
+    const QModelIndex cell = indexAt(event->position().toPoint());
+    if (cell.isValid()) {
+        moveTo(cell.row() + 1, cell.column());
+        Q_EMIT Click();
+    }
+}
+
+void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTableView::mouseDoubleClickEvent(event);
+    if (indexAt(event->position().toPoint()).isValid()) {
+        Q_EMIT DblClick();
+    }
+}
+
+QItemSelectionModel::SelectionFlags FlexGrid::selectionCommand(const QModelIndex&,
+                                                               const QEvent*) const {
+    // The selection always follows Row, Col and ColSel; see updateSelection().
+    return QItemSelectionModel::NoUpdate;
+}
+
+void FlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    // Keyboard moves; the grid's own moves already match Row and Col.
+    if (current.isValid() && (current.row() + 1 != row_ || current.column() != col_)) {
+        moveTo(current.row() + 1, current.column());
+    }
+}
+
+void FlexGrid::checkCell(int row, int col) const {
+    if (row < 0 || row >= Rows() || col < 0 || col >= Cols()) {
+        throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+    }
+}
+
+void FlexGrid::moveTo(int row, int col) {
+    row_ = row;
+    col_ = col;
+    colSel_ = col;
+    updateSelection();
+}
+
+void FlexGrid::updateSelection() {
+    if (!model_->isLive()) {
+        return;
+    }
+    QItemSelectionModel* selection = selectionModel();
+    if (row_ < 1 || Cols() == 0) {
+        selection->clear();
+        return;
+    }
+    const int first = std::min(col_, colSel_);
+    const int last = std::max(col_, colSel_);
+    selection->setCurrentIndex(model_->index(row_ - 1, col_), QItemSelectionModel::NoUpdate);
+    selection->select(QItemSelection(model_->index(row_ - 1, first), model_->index(row_ - 1, last)),
+                      QItemSelectionModel::ClearAndSelect);
+}
+
+int FlexGrid::defaultWidthTwips() const {
+    return pixelsToTwips(horizontalHeader()->defaultSectionSize());
+}
+
+void FlexGrid::applyColumnWidth(int col) {
+    // The header forgets section sizes whenever the model resets, so widths wait for the show.
+    if (!model_->isLive()) {
+        return;
+    }
+    const int twips = widths_[static_cast<std::size_t>(col)];
+    applyingWidths_ = true;
+    setColumnHidden(col, twips == 0);
+    if (twips > 0) {
+        setColumnWidth(col, twipsToPixels(twips));
+    }
+    applyingWidths_ = false;
+}
+
+void FlexGrid::applyColumnWidths() {
+    for (int col = 0; col < Cols(); ++col) {
+        applyColumnWidth(col);
+    }
+}
+
+void FlexGrid::rememberUserWidth(int col, int pixels) {
+    if (!applyingWidths_ && pixels > 0 && col < Cols()) {
+        widths_[static_cast<std::size_t>(col)] = pixelsToTwips(pixels);
+    }
+}
+
+}  // namespace qivo::platform
