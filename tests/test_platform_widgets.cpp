@@ -1,0 +1,281 @@
+#include <QDir>
+#include <QFile>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <functional>
+#include <stdexcept>
+
+#include "platform/error_path.h"
+#include "platform/flex_grid.h"
+#include "platform/form.h"
+#include "platform/msgbox.h"
+#include "platform/runtime_error.h"
+#include "platform/settings.h"
+#include "platform/status_bar.h"
+#include "platform/text_box.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+using platform::FlexGrid;
+
+namespace {
+
+const QString kReviewFormat = QStringLiteral(
+    "<序    |<项目名称         |<地址            |<Qivo号        |<姓名      |<身份证号      "
+    "|<手机号     |^操作 |");
+
+long errorNumberOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const platform::RuntimeError& error) {
+        return error.number();
+    }
+    return 0;
+}
+
+// Fills data rows the way the list screens do: one row at a time, current cell moved along.
+void appendRows(FlexGrid& grid, int count) {
+    for (int i = 0; i < count; ++i) {
+        grid.setRows(grid.Rows() + 1);
+        grid.setRow(grid.Rows() - 1);
+        grid.setRowData(grid.Row(), 1000 + grid.Row());
+        for (int col = 0; col < grid.Cols(); ++col) {
+            grid.setTextMatrix(grid.Row(), col, QStringLiteral("r%1c%2").arg(grid.Row()).arg(col));
+        }
+    }
+}
+
+class CountingForm final : public platform::Form {
+  public:
+    int loads = 0;
+    int unloads = 0;
+    void Form_Load() override { ++loads; }
+    void Form_Unload() override { ++unloads; }
+};
+
+}  // namespace
+
+class TestPlatformWidgets final : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void cleanup() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            QVERIFY2(!window->isVisible(), "a test left a window open");
+        }
+    }
+
+    void formatString_data() {
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QStringList>("headers");
+        QTest::addColumn<QList<int>>("alignments");
+        QTest::newRow("marks") << "<左|^中|>右" << QStringList{"左", "中", "右"}
+                               << QList<int>{1, 4, 7};
+        QTest::newRow("trailing bar")
+            << "<序    |^操作 |" << QStringList{"序", "操作", ""} << QList<int>{1, 4, 1};
+        QTest::newRow("review list")
+            << kReviewFormat << QStringList{"序",       "项目名称", "地址", "Qivo号", "姓名",
+                                            "身份证号", "手机号",   "操作", ""}
+            << QList<int>{1, 1, 1, 1, 1, 1, 1, 4, 1};
+    }
+
+    void formatString() {
+        QFETCH(QString, format);
+        QFETCH(QStringList, headers);
+        QFETCH(QList<int>, alignments);
+        FlexGrid grid;
+        grid.setFormatString(format);
+        QCOMPARE(grid.FormatString(), format);
+        QCOMPARE(grid.Cols(), headers.size());
+        QCOMPARE(grid.Rows(), 1);
+        for (int col = 0; col < grid.Cols(); ++col) {
+            QCOMPARE(grid.TextMatrix(0, col), headers[col]);
+            QCOMPARE(grid.ColAlignment(col), alignments[col]);
+            QVERIFY(grid.ColWidth(col) > 0);
+        }
+    }
+
+    void widthFollowsPaddingBlanks() {
+        FlexGrid grid;
+        grid.setFormatString(QStringLiteral("<序|<序        "));
+        QVERIFY(grid.ColWidth(1) > grid.ColWidth(0));
+        grid.setColWidth(1, 0);
+        QCOMPARE(grid.ColWidth(1), 0);
+    }
+
+    void cellsColoursAndRemoveItem() {
+        FlexGrid grid;
+        grid.setFormatString(kReviewFormat);
+        appendRows(grid, 3);
+        grid.setRow(2);
+        grid.setCol(7);
+        grid.setCellForeColor(0xFF0000);
+        grid.setCol(3);
+        grid.setCellBackColor(0xFEFCE7);
+
+        QCOMPARE(grid.TextMatrix(2, 8), QStringLiteral("r2c8"));
+        QCOMPARE(grid.RowData(3), 1003);
+        QCOMPARE(grid.cellForeColor(2, 7), 0xFF0000u);
+        QCOMPARE(grid.cellBackColor(2, 3), 0xFEFCE7u);
+        QCOMPARE(grid.cellForeColor(2, 3), 0u);
+        QCOMPARE(grid.cellBackColor(1, 3), 0u);
+
+        grid.RemoveItem(1);
+        QCOMPARE(grid.Rows(), 3);
+        QCOMPARE(grid.TextMatrix(1, 0), QStringLiteral("r2c0"));
+        QCOMPARE(grid.RowData(1), 1002);
+        QCOMPARE(grid.cellForeColor(1, 7), 0xFF0000u);
+        QCOMPARE(grid.TextMatrix(0, 7), QStringLiteral("操作"));
+
+        grid.setRows(1);
+        QCOMPARE(grid.Row(), 0);
+        QCOMPARE(errorNumberOf([&] { grid.TextMatrix(1, 0); }), 381);
+        QCOMPARE(errorNumberOf([&] { grid.setTextMatrix(0, 9, {}); }), 381);
+        QCOMPARE(errorNumberOf([&] { grid.RemoveItem(0); }), 381);
+        QCOMPARE(errorNumberOf([&] { grid.setRows(0); }), 381);
+    }
+
+    void hiddenFillThenShowResetsOnce() {
+        FlexGrid grid;
+        grid.resize(600, 300);
+        grid.setFormatString(kReviewFormat);
+        grid.setColWidth(8, 0);
+        QAbstractItemModel* model = grid.model();
+        QSignalSpy inserted(model, &QAbstractItemModel::rowsInserted);
+        QSignalSpy changed(model, &QAbstractItemModel::dataChanged);
+        QSignalSpy reset(model, &QAbstractItemModel::modelReset);
+
+        appendRows(grid, 2000);
+        QCOMPARE(inserted.count() + changed.count() + reset.count(), 0);
+
+        grid.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        QCOMPARE(reset.count(), 1);
+        QCOMPARE(model->rowCount(), 2000);
+        QCOMPARE(model->index(1999, 4).data().toString(), QStringLiteral("r2000c4"));
+        QCOMPARE(model->headerData(7, Qt::Horizontal).toString(), QStringLiteral("操作"));
+        QVERIFY(grid.isColumnHidden(8));
+        QVERIFY(grid.verticalHeader()->isHidden());
+
+        // Visible again: a row written now reaches the view at once.
+        appendRows(grid, 1);
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(model->rowCount(), 2001);
+        grid.hide();
+    }
+
+    void mouseClickMovesCurrentCell() {
+        FlexGrid grid;
+        grid.resize(700, 300);
+        grid.setFormatString(kReviewFormat);
+        appendRows(grid, 3);
+        grid.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        QSignalSpy clicks(&grid, &FlexGrid::Click);
+        QSignalSpy doubleClicks(&grid, &FlexGrid::DblClick);
+
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
+        QCOMPARE(clicks.count(), 1);
+        QCOMPARE(grid.Row(), 2);
+        QCOMPARE(grid.Col(), 3);
+
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(3, 1).center());
+        QCOMPARE(doubleClicks.count(), 1);
+        QCOMPARE(grid.Row(), 3);
+        QCOMPARE(grid.Col(), 1);
+
+        // Whole-row look: Col 0 to ColSel of the current row, and nothing else.
+        grid.setCol(0);
+        grid.setColSel(grid.Cols() - 1);
+        const QModelIndexList selected = grid.selectionModel()->selectedIndexes();
+        QCOMPARE(selected.size(), grid.Cols());
+        for (const QModelIndex& index : selected) {
+            QCOMPARE(index.row(), 2);
+        }
+        grid.hide();
+    }
+
+    void settingsReadTheIniUnderXdgConfigHome() {
+        QTemporaryDir config;
+        const QByteArray saved = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
+        QDir(config.path()).mkpath("Merivane");
+        QFile ini(config.filePath("Merivane/Merivane.ini"));
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write("[DBConfig]\nSvr=sqlite:/tmp/物业.db\nUID=sa\n");
+        ini.close();
+
+        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "Svr"),
+                 QStringLiteral("sqlite:/tmp/物业.db"));
+        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "UID"), QStringLiteral("sa"));
+        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "PWD"), QString());
+        QCOMPARE(platform::GetSetting("Merivane", "Other", "Svr"), QString());
+
+        platform::SaveSetting("Merivane", "DBConfig", "DBname", "物业");
+        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "DBname"), QStringLiteral("物业"));
+        qputenv("XDG_CONFIG_HOME", saved);
+    }
+
+    void msgBoxAndErrorPath() {
+        test::MsgBoxRecorder boxes;
+        boxes.answer(platform::vbNo);
+        QCOMPARE(platform::MsgBox("已保存"), platform::vbOK);
+        QCOMPARE(platform::MsgBox("确认？", platform::vbYesNo, "标题"), platform::vbNo);
+        QCOMPARE(boxes.messages[0].title, platform::programTitle());
+        QCOMPARE(boxes.messages[1].title, QStringLiteral("标题"));
+        boxes.messages.clear();
+
+        QPushButton button;
+        platform::onEvent(&button, &QPushButton::clicked, &button,
+                          [] { throw platform::RuntimeError(13, QStringLiteral("类型不匹配")); });
+        button.click();
+        QCOMPARE(boxes.messages.size(), 1);
+        QCOMPARE(boxes.messages[0].prompt, QStringLiteral("运行时错误 '13':\n\n类型不匹配"));
+        QCOMPARE(boxes.messages[0].style, platform::vbCritical);
+
+        platform::guarded([] { throw std::runtime_error("disk full"); });
+        QCOMPARE(boxes.messages.size(), 2);
+        QVERIFY(boxes.messages[1].prompt.endsWith("disk full"));
+    }
+
+    void smallControls() {
+        platform::TextBox box;
+        QSignalSpy enter(&box, &platform::TextBox::returnPressed);
+        QSignalSpy changed(&box, &platform::TextBox::changed);
+        box.setText("A0012");
+        box.selectAll();
+        QCOMPARE(box.selStart(), 0);
+        QCOMPARE(box.selLength(), 5);
+        QTest::keyClick(box.lineEdit(), Qt::Key_Return);
+        QCOMPARE(enter.count(), 1);
+        QCOMPARE(changed.count(), 1);
+
+        platform::TextBox memo(nullptr, true);
+        memo.setText("第一行\n第二行");
+        QVERIFY(memo.isMultiLine());
+        QCOMPARE(memo.text(), QStringLiteral("第一行\n第二行"));
+
+        platform::StatusBar bar(nullptr, 2);
+        bar.setPanelText(2, QStringLiteral("张三"));
+        QCOMPARE(bar.panelText(2), QStringLiteral("张三"));
+        QCOMPARE(errorNumberOf([&] { bar.setPanelText(3, {}); }),
+                 platform::err::SubscriptOutOfRange);
+
+        CountingForm form;
+        form.Show();
+        form.Show();
+        QCOMPARE(form.loads, 1);
+        form.Unload();
+        QCOMPARE(form.unloads, 1);
+        QVERIFY(!form.isLoaded() && !form.isVisible());
+        form.Show();
+        QCOMPARE(form.loads, 2);
+        form.Unload();
+    }
+};
+
+QIVO_TEST_MAIN(TestPlatformWidgets)
+#include "test_platform_widgets.moc"
