@@ -72,8 +72,9 @@ class TestPlatformWidgets final : public QObject {
         QTest::addColumn<QString>("format");
         QTest::addColumn<QStringList>("headers");
         QTest::addColumn<QList<int>>("alignments");
-        QTest::newRow("marks") << "<左|^中|>右" << QStringList{"左", "中", "右"}
-                               << QList<int>{1, 4, 7};
+        QTest::newRow("marks, one unmarked")
+            << "<左|^中|>右|备注" << QStringList{"左", "中", "右", "备注"}
+            << QList<int>{1, 4, 7, 1};
         QTest::newRow("trailing bar")
             << "<序    |^操作 |" << QStringList{"序", "操作", ""} << QList<int>{1, 4, 1};
         QTest::newRow("review list")
@@ -164,7 +165,10 @@ class TestPlatformWidgets final : public QObject {
         appendRows(grid, 1);
         QCOMPARE(inserted.count(), 1);
         QCOMPARE(model->rowCount(), 2001);
+
         grid.hide();
+        appendRows(grid, 1);
+        QCOMPARE(inserted.count(), 1);
     }
 
     void mouseClickMovesCurrentCell() {

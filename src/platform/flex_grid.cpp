@@ -16,19 +16,15 @@ namespace {
 constexpr long kBadSubscript = 381;
 constexpr int kTextPaddingPixels = 8;
 
-int alignmentOfMark(QChar mark) {
-    switch (mark.unicode()) {
-        case '^':
-            return flexAlignCenterCenter;
-        case '>':
-            return flexAlignRightCenter;
-        default:
-            return flexAlignLeftCenter;
-    }
-}
-
 bool isAlignmentMark(QChar c) {
     return c == '<' || c == '^' || c == '>';
+}
+
+int alignmentOfMark(QChar mark) {
+    if (mark == '^') {
+        return flexAlignCenterCenter;
+    }
+    return mark == '>' ? flexAlignRightCenter : flexAlignLeftCenter;
 }
 
 }  // namespace
@@ -184,10 +180,11 @@ void FlexGrid::setFormatString(const QString& format) {
     setCols(static_cast<int>(segments.size()));
     for (int col = 0; col < Cols(); ++col) {
         QString segment = segments[col];
-        if (!segment.isEmpty() && isAlignmentMark(segment.front())) {
-            const int code = alignmentOfMark(segment.front());
-            model_->setAlignment(col, code);
-            model_->setFixedAlignment(col, code);
+        const bool marked = !segment.isEmpty() && isAlignmentMark(segment.front());
+        const int code = marked ? alignmentOfMark(segment.front()) : flexAlignLeftCenter;
+        model_->setAlignment(col, code);
+        model_->setFixedAlignment(col, code);
+        if (marked) {
             segment.remove(0, 1);
         }
         // The blanks behind a header text are there to widen the column.
