@@ -153,7 +153,7 @@ class EngineTest final : public QObject {
             QCOMPARE(db.scalar("select 审核日期 from 业户互联网").toString(), stored[i]);
         }
         for (const QString& refused :
-             {"2024-13-40", "05/03/2024", "yesterday", " ", "2024-02-30"}) {
+             QStringList{"2024-13-40", "05/03/2024", "yesterday", " ", "2024-02-30"}) {
             try {
                 db.exec("Update 业户互联网 Set 审核日期 ='" + refused + "' Where HLWID = 1");
                 QFAIL(qPrintable("accepted " + refused));
