@@ -1,6 +1,9 @@
 // The two engines behind AdoConnection/Recordset, driven through the shared connection the way
 // the screens use them.
 #include <QElapsedTimer>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QThread>
 
 #include "db/address_sql.h"
 #include "platform/ado.h"
@@ -67,6 +70,11 @@ class EngineTest final : public QObject {
             << "sa"
             << "Provider=SQLOLEDB.1;Password=;Persist Security Info=False;User ID=sa;"
                "Initial Catalog='';Data Source='sqlite:/nonexistent/qivo.db'";
+        QTest::newRow("sql server that drops the connection")
+            << "127.0.0.1,DROP"
+            << "sa"
+            << "Provider=SQLOLEDB.1;Password=;Persist Security Info=False;User ID=sa;"
+               "Initial Catalog='';Data Source='127.0.0.1,DROP'";
         QTest::newRow("sql server on a closed port")
             << "127.0.0.1,1"
             << "sa"
@@ -77,6 +85,22 @@ class EngineTest final : public QObject {
         QFETCH(QString, source);
         QFETCH(QString, user);
         QFETCH(QString, expected);
+        // A listener on its own thread that accepts every connection and closes it at once.
+        QThread listener;
+        QTcpServer server;
+        if (source.endsWith("DROP")) {
+            QVERIFY(server.listen(QHostAddress::LocalHost));
+            source.replace("DROP", QString::number(server.serverPort()));
+            expected.replace("DROP", QString::number(server.serverPort()));
+            QObject::connect(&server, &QTcpServer::newConnection, &server, [&server] {
+                while (QTcpSocket* socket = server.nextPendingConnection()) {
+                    socket->abort();
+                    socket->deleteLater();
+                }
+            });
+            server.moveToThread(&listener);
+            listener.start();
+        }
         test::MsgBoxRecorder boxes;
         QString password, catalog;
         QElapsedTimer timer;
@@ -89,6 +113,8 @@ class EngineTest final : public QObject {
         QVERIFY(boxes.messages[0].prompt.size() > 5);  // the driver's own description follows
         QCOMPARE(boxes.messages[0].title, QString("信息文本"));
         QCOMPARE(boxes.messages[0].style, 64);
+        listener.quit();
+        listener.wait();
     }
 
     void addressListOrderAndJoins() {
