@@ -1,6 +1,9 @@
 // The two engines behind AdoConnection/Recordset, driven through the shared connection the way
 // the screens use them.
 #include <QElapsedTimer>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
@@ -221,6 +224,33 @@ class EngineTest final : public QObject {
         QCOMPARE(db.scalar("select 姓名 from 业主表").toString(), QString("赵六"));
         QVERIFY(db.scalar("select 进户日期 from 业主表").isNull());
         QCOMPARE(db.count("select 短信 from 业主表"), 1);
+    }
+
+    void faultsMidSessionLoseNothing() {
+        test::FixtureDb db;
+        seedAddresses(db);
+        // The file moved away: every statement fails instead of writing into the lost file.
+        QVERIFY(QFile::rename(db.path(), db.path() + ".away"));
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError,
+                                 db.exec("Delete 业户互联网 Where HLWID= 1"));
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, column(addressQuery(), "dz"));
+        QVERIFY(QFile::rename(db.path() + ".away", db.path()));
+        QCOMPARE(db.count("select count(*) from 业户互联网"), 6);
+        // Another program holds the write lock: the statement fails after the busy wait.
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(db.path());
+            QVERIFY(other.open());
+            QSqlQuery lock(other);
+            QVERIFY(lock.exec("begin exclusive"));
+            QVERIFY_THROWS_EXCEPTION(platform::RuntimeError,
+                                     db.exec("Delete 业户互联网 Where HLWID= 1"));
+            QVERIFY(lock.exec("rollback"));
+            other.close();
+        }
+        QSqlDatabase::removeDatabase("other");
+        db.exec("Delete 业户互联网 Where HLWID= 1");
+        QCOMPARE(db.count("select count(*) from 业户互联网"), 5);
     }
 
     void translationIsExact() {

@@ -85,6 +85,7 @@ const Engine& AdoConnection::engine() const {
 
 QSqlDatabase AdoConnection::database() const {
     requireOpen();
+    engine_->checkReachable();
     return QSqlDatabase::database(name_, false);
 }
 

@@ -35,6 +35,9 @@ class Engine {
                                const QVariantList& values) const = 0;
 
     virtual QString quoteName(const QString& name) const = 0;
+
+    // Throws when the database can no longer be reached by this connection.
+    virtual void checkReachable() const {}
 };
 
 // "sqlite:PATH" is the embedded engine, anything else SQL Server over ODBC.

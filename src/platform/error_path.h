@@ -31,7 +31,7 @@ QMetaObject::Connection onEvent(Sender* sender, Signal signal, const QObject* co
 
 // The application object: the last net at the event boundary for anything a handler threw.
 class Application final : public QApplication {
-public:
+  public:
     Application(int& argc, char** argv);
     bool notify(QObject* receiver, QEvent* event) override;
 };

@@ -10,7 +10,7 @@ namespace qivo::platform {
 // Form_Activate, a size change Form_Resize; each on the common error path.
 class Form : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit Form(QWidget* parent = nullptr);
 
     void Load();
@@ -29,12 +29,12 @@ public:
 
     QString Tag;
 
-protected:
+  protected:
     bool event(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     bool loaded_ = false;
 };
 

@@ -17,16 +17,14 @@ QString dateConversionMessage() {
     return QStringLiteral("从字符串转换日期和/或时间时，转换失败。");
 }
 
-QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString>&,
-                                int loginTimeout) const {
-    // An absent file is a wrong setting, not a new empty database.
-    if (!QFileInfo(path_).isFile()) {
-        throw RuntimeError(err::ProviderError,
-                           QStringLiteral("无法打开数据库文件“%1”：文件不存在。").arg(path_));
-    }
+// How long a statement waits for a lock another program holds on the file.
+constexpr int kBusyTimeoutMs = 5000;
+
+QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString>&, int) const {
+    checkReachable();
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(path_);
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(loginTimeout * 1000));
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
     if (!db.open()) {
         throwSqlError(db.lastError());
     }
@@ -83,6 +81,15 @@ QVariant SqliteEngine::insertRow(QSqlDatabase& db, const QString& table, const Q
         throwSqlError(query.lastError());
     }
     return query.lastInsertId();
+}
+
+// An absent file is a wrong setting or a lost database, never a new empty one; and SQLite would
+// go on writing into a file removed under an open connection, losing every change.
+void SqliteEngine::checkReachable() const {
+    if (!QFileInfo(path_).isFile()) {
+        throw RuntimeError(err::ProviderError,
+                           QStringLiteral("无法打开数据库文件“%1”：文件不存在。").arg(path_));
+    }
 }
 
 QString SqliteEngine::quoteName(const QString& name) const {

@@ -17,6 +17,7 @@ class SqliteEngine final : public Engine {
     QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                        const QVariantList& values) const override;
     QString quoteName(const QString& name) const override;
+    void checkReachable() const override;
 
   private:
     QString path_;

@@ -10,14 +10,14 @@ namespace qivo::platform {
 // A status bar of text panels, numbered from 1.
 class StatusBar final : public QStatusBar {
     Q_OBJECT
-public:
+  public:
     explicit StatusBar(QWidget* parent = nullptr, int panels = 2);
 
     QString panelText(int index) const;
     void setPanelText(int index, const QString& text);
     int panelCount() const { return static_cast<int>(panels_.size()); }
 
-private:
+  private:
     QLabel* panel(int index) const;  // throws RuntimeError for an index out of range
     std::vector<QLabel*> panels_;
 };

@@ -10,7 +10,7 @@ namespace qivo::platform {
 // One class for single-line and multi-line text boxes.
 class TextBox final : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit TextBox(QWidget* parent = nullptr, bool multiLine = false);
 
     QString text() const;
@@ -27,15 +27,15 @@ public:
     QPlainTextEdit* plainText() const { return plain_; }  // null for a single-line box
     QWidget* editor() const;
 
-Q_SIGNALS:
+  Q_SIGNALS:
     void gotFocus();
     void returnPressed();  // Enter (character code 13) in a single-line box
     void changed();
 
-protected:
+  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-private:
+  private:
     QLineEdit* line_ = nullptr;
     QPlainTextEdit* plain_ = nullptr;
 };
