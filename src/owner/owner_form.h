@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <array>
+#include <map>
+
+#include "platform/flex_grid.h"
+#include "platform/form.h"
+#include "platform/frame.h"
+#include "platform/text_box.h"
+
+namespace qivo {
+
+class OwnerKeyReceiver;
+
+namespace platform {
+class Recordset;
+}
+
+// The owner information screen: one owner of 业主表 in Frame1(0), the household members of ZHZL
+// in Frame1(1). The opener puts the owner key into Frame1(0).Tag (empty for a new owner, whose
+// room then goes into Frame1(1).Tag) before showing it.
+class frm业户信息 final : public platform::Form {
+  public:
+    explicit frm业户信息(QWidget* parent = nullptr);
+
+    // The opener, told the owner key on unload; none by default.
+    void setOpener(OwnerKeyReceiver* opener) { opener_ = opener; }
+
+    std::array<platform::Frame*, 2> Frame1{};
+    std::array<platform::TextBox*, 11> Text2{};
+    QCheckBox* Check1 = nullptr;
+    QPushButton* Command3 = nullptr;
+    QPushButton* Command2 = nullptr;
+    platform::FlexGrid* Grid2 = nullptr;
+    std::array<platform::TextBox*, 13> Text3{};
+    QComboBox* Combo4 = nullptr;
+    QComboBox* Combo5 = nullptr;
+    QPushButton* Command6 = nullptr;
+    QPushButton* Command5 = nullptr;
+    QPushButton* Command7 = nullptr;
+    std::map<int, QLabel*> Label1;
+
+    void Form_Activate() override;
+    void Form_Unload() override;
+    void Grid2_Click();
+    void Command6_Click();
+    void Command7_Click();
+    void Command2_Click();
+    void Command3_Click();
+    void Command5_Click();
+
+  private:
+    void buildOwnerFrame();
+    void buildMemberFrame();
+    void connectEvents();
+    QLabel* addLabel(int index, const QString& text, QWidget* parent);
+
+    void clearAllBoxes();
+    void showOwner(const QString& ownerKey);
+    void showMembers(const QString& ownerKey);
+    void setMemberButtons();
+    void writeOwnerBoxes(platform::Recordset& owner) const;
+    void insertMember();
+    void updateSelectedMember();
+    void writeMemberFields(platform::Recordset& member) const;
+    void showMemberLine(int row, const platform::Recordset& member);
+    QVariant memberValue(int gridCol) const;
+    platform::TextBox* memberBox(int gridCol) const;
+
+    OwnerKeyReceiver* opener_ = nullptr;
+};
+
+}  // namespace qivo
