@@ -10,4 +10,10 @@ inline QVariant textOrNull(const QString& text) {
     return text.isEmpty() ? QVariant() : QVariant(text);
 }
 
+// A text stored as it stands, so empty text stays empty text (the driver binds a null text as
+// Null).
+inline QVariant textAsIs(const QString& text) {
+    return text.isNull() ? QVariant(QStringLiteral("")) : QVariant(text);
+}
+
 }  // namespace qivo

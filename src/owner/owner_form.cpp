@@ -114,7 +114,7 @@ void frm业户信息::Command3_Click() {
         owner.Open(owner_sql::newOwnerQuery(), Connection::cn(), platform::adOpenKeyset,
                    platform::adLockOptimistic);
         owner.AddNew();
-        owner.setField(QStringLiteral("S_ID"), Frame1[1]->Tag);
+        owner.setField(QStringLiteral("S_ID"), textAsIs(Frame1[1]->Tag));
         writeOwnerBoxes(owner);
         owner.setField(QStringLiteral("说明"), QStringLiteral("新进户"));
         owner.setField(QStringLiteral("短信"), Check1->isChecked() ? 1 : 0);

@@ -101,7 +101,7 @@ void frm业户信息::insertMember() {
     member.Open(owner_sql::newMemberQuery(), Connection::cn(), platform::adOpenKeyset,
                 platform::adLockOptimistic);
     member.AddNew();
-    member.setField(QStringLiteral("Zh_id"), Frame1[0]->Tag);
+    member.setField(QStringLiteral("Zh_id"), textAsIs(Frame1[0]->Tag));
     writeMemberFields(member);
     member.Update();
     Grid2->setRows(Grid2->Rows() + 1);
@@ -135,7 +135,7 @@ void frm业户信息::writeMemberFields(platform::Recordset& member) const {
 // combo stores empty text; every other empty control stores Null.
 QVariant frm业户信息::memberValue(int gridCol) const {
     if (gridCol == owner_fields::kSexColumn) {
-        return Combo4->currentText();
+        return textAsIs(Combo4->currentText());
     }
     if (gridCol == owner_fields::kMaritalColumn) {
         return textOrNull(Combo5->currentText());

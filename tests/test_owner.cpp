@@ -1,0 +1,394 @@
+#include <QApplication>
+#include <memory>
+
+#include "owner/owner_form.h"
+#include "owner/owner_key_receiver.h"
+#include "owner/owner_sql.h"
+#include "session/connection.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+
+namespace {
+
+// Owner 1 has three members (keys 11, 12, 13); owner 2 has none and Null in 姓名 and 短信.
+const QString kOwners = QStringLiteral(
+    "insert into 业主表 (ZH_ID, S_ID, 姓名, 固定电话, 移动电话, 身份证, 购房日期, 交房日期, "
+    "进户日期, 开始收费日期, 工作单位, 户籍所在地, 备注, 短信, 说明) values (1, 7, '王建国', "
+    "'0571-8888', '13900000001', '330100', '2020-01-02', '2020-03-04', '2020-05-06', "
+    "'2020-07-08', '杭州电机厂', '浙江杭州', '老住户', 1, '迁出') "
+    "insert into 业主表 (ZH_ID, S_ID) values (2, 8) "
+    "insert into ZHZL (ZL_ID, ZH_ID, ZL_xm, ZL_jtdh, ZL_gx, ZL_xb, ZL_csrq, ZL_csd, ZL_jg, "
+    "ZL_whcd, ZL_hy, ZL_sfz, ZL_dh, ZL_yddh, ZL_fwcs, ZL_zj, ZL_mz, ZL_bz) values (11, 1, '张三', "
+    "'家', '儿子', '男', '1990-01-02', '杭州', '浙江', '本科', '已婚', '3301A', '0571-1', '138', "
+    "'西湖区', '无', '汉', '长子') "
+    "insert into ZHZL (ZL_ID, ZH_ID, ZL_xm, ZL_jtdh, ZL_xb, ZL_hy) values (12, 1, '李四', '旧号', "
+    "'', '离异') "
+    "insert into ZHZL (ZL_ID, ZH_ID, ZL_xm, ZL_xb, ZL_hy) values (13, 1, '王五', '女', '未婚')");
+
+class Opener final : public OwnerKeyReceiver {
+  public:
+    void receiveOwnerKey(const QString& ownerKey) override { keys << ownerKey; }
+    QStringList keys;
+};
+
+QStringList gridLine(const platform::FlexGrid& grid, int row) {
+    QStringList cells;
+    for (int col = 0; col < grid.Cols(); ++col) {
+        cells << grid.TextMatrix(row, col);
+    }
+    return cells;
+}
+
+}  // namespace
+
+class TestOwner final : public QObject {
+    Q_OBJECT
+    std::unique_ptr<test::FixtureDb> db;
+    std::unique_ptr<frm业户信息> form;
+
+    void open(const QString& ownerKey) {
+        form->Frame1[0]->Tag = ownerKey;
+        form->Form_Activate();
+    }
+    void clickRow(int row) {
+        QTest::mouseClick(form->Grid2->viewport(), Qt::LeftButton, {},
+                          form->Grid2->cellRect(row, 1).center());
+    }
+
+  private Q_SLOTS:
+    // Texts whose slips the database would not notice: the statement that must fail, and the
+    // fragments joined without a blank.
+    void sqlTexts() {
+        QCOMPARE(owner_sql::deleteMemberStatement("12"),
+                 QString("Delect From ZHZL Where ZL_ID=12"));
+        QVERIFY(owner_sql::newOwnerQuery().contains(
+            "交房日期,收楼日期, 备注,固定电话,移动电话,短信,说明 From 业主表 Where ZH_ID=0"));
+        QVERIFY(owner_sql::newMemberQuery().endsWith(
+            "ZL_whcd,ZL_hy, ZL_yddh, ZL_sfz, ZL_fwcs, ZL_dh, ZL_zj, ZL_mz, ZL_bz  From ZHZL Where "
+            "ZL_ID=0"));
+        QVERIFY(owner_sql::membersQuery("3").endsWith("ZL_bz  From ZHZL Where ZH_ID=3"));
+    }
+
+    void init() {
+        db = std::make_unique<test::FixtureDb>();
+        db->exec(kOwners);
+        form = std::make_unique<frm业户信息>();
+        form->Show();
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+    }
+    void cleanup() {
+        form.reset();
+        db.reset();
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+    }
+
+    void emptyKeyClearsBoxesWithoutQuery() {
+        open(QStringLiteral("1"));
+        form->Frame1[1]->setEnabled(false);
+        // An unopened shared connection: any query would fail.
+        auto stored = std::exchange(Connection::Cn, std::make_unique<platform::AdoConnection>());
+        open({});
+        Connection::Cn = std::move(stored);
+        for (auto* box : form->Text2) {
+            QCOMPARE(box->text(), QString());
+        }
+        for (auto* box : form->Text3) {
+            QCOMPARE(box->text(), QString());
+        }
+        QVERIFY(form->Frame1[1]->isEnabled());
+        QCOMPARE(form->Grid2->Rows(), 4);
+    }
+
+    void ownerWithMembers() {
+        for (int pass = 0; pass < 2; ++pass) {
+            open(QStringLiteral("1"));
+        }
+        const QStringList boxes{"王建国",     "0571-8888",  "13900000001", "330100",
+                                "2020-01-02", "2020-03-04", "2020-05-06",  "2020-07-08",
+                                "杭州电机厂", "浙江杭州",   "老住户"};
+        for (int i = 0; i < 11; ++i) {
+            QCOMPARE(form->Text2[i]->text(), boxes[i]);
+        }
+        QVERIFY(form->Check1->isChecked());
+        QCOMPARE(form->Grid2->Rows(), 4);
+        QCOMPARE(
+            gridLine(*form->Grid2, 1),
+            QStringList({"1", "张三", "儿子", "男", "1990-01-02", "杭州", "浙江", "本科", "已婚",
+                         "3301A", "0571-1", "138", "西湖区", "无", "汉", "长子", "11"}));
+        QCOMPARE(form->Grid2->TextMatrix(3, 0), QString("3"));
+        QCOMPARE(form->Grid2->TextMatrix(3, 16), QString("13"));
+        QCOMPARE(form->Grid2->ColWidth(16), 0);
+        QCOMPARE(form->Grid2->ColAlignmentFixed(5), platform::flexAlignCenterCenter);
+        QVERIFY(!form->Command6->isEnabled());
+        QVERIFY(!form->Command7->isEnabled());
+        QVERIFY(form->Frame1[1]->isEnabled());
+    }
+
+    void ownerWithoutMembersStartsInAddMode() {
+        form->Text2[0]->setText("旧名");
+        form->Check1->setChecked(true);
+        form->Command5->setEnabled(false);
+        open(QStringLiteral("2"));
+        QCOMPARE(form->Text2[0]->text(), QString());
+        QVERIFY(!form->Check1->isChecked());
+        QCOMPARE(form->Grid2->Rows(), 1);
+        QCOMPARE(form->Command6->text(), QString("取消新增"));
+        QVERIFY(!form->Command7->isEnabled());
+        QVERIFY(form->Command5->isEnabled());
+    }
+
+    void selectingMember_data() {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("sex");
+        QTest::addColumn<int>("marital");
+        QTest::newRow("男, 已婚") << 1 << 0 << 0;
+        QTest::newRow("empty sex, unknown state") << 2 << 1 << -1;
+        QTest::newRow("女, 未婚") << 3 << 1 << 1;
+    }
+    void selectingMember() {
+        QFETCH(int, row);
+        QFETCH(int, sex);
+        QFETCH(int, marital);
+        open(QStringLiteral("1"));
+        clickRow(row);
+        QCOMPARE(form->Combo4->currentIndex(), sex);
+        QCOMPARE(form->Combo5->currentIndex(), marital);
+        QCOMPARE(form->Text3[0]->text(), form->Grid2->TextMatrix(row, 1));
+        QCOMPARE(form->Command6->text(), QString("新增(&A)"));
+        QVERIFY(form->Command5->isEnabled());
+        QVERIFY(form->Command7->isEnabled());
+        if (row == 1) {
+            const QStringList boxes{"张三",   "儿子", "1990-01-02", "杭州", "浙江", "本科", "3301A",
+                                    "0571-1", "138",  "西湖区",     "无",   "汉",   "长子"};
+            for (int i = 0; i < 13; ++i) {
+                QCOMPARE(form->Text3[i]->text(), boxes[i]);
+            }
+        }
+    }
+
+    void addToggleAndCancel() {
+        open(QStringLiteral("1"));
+        clickRow(3);
+        form->Command6_Click();
+        QCOMPARE(form->Command6->text(), QString("取消新增"));
+        QVERIFY(!form->Command7->isEnabled());
+        QCOMPARE(form->Text3[0]->text(), QString());
+        QCOMPARE(form->Combo5->currentIndex(), -1);
+        QCOMPARE(form->Combo4->currentIndex(), 1);
+        QVERIFY(form->Text3[0]->editor()->hasFocus());
+        form->Command6_Click();
+        QCOMPARE(form->Command6->text(), QString("新增(&A)"));
+        QCOMPARE(form->Text3[0]->text(), QString("王五"));
+        QVERIFY(form->Command7->isEnabled());
+
+        // Without members add mode cannot be left.
+        open(QStringLiteral("2"));
+        form->Command6_Click();
+        QCOMPARE(form->Command6->text(), QString("取消新增"));
+    }
+
+    void deleteReachesErrorPath_data() {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("messages");
+        QTest::newRow("yes") << int(platform::vbYes) << 2;
+        QTest::newRow("no") << int(platform::vbNo) << 1;
+    }
+    void deleteReachesErrorPath() {
+        QFETCH(int, answer);
+        QFETCH(int, messages);
+        open(QStringLiteral("1"));
+        clickRow(2);
+        test::MsgBoxRecorder boxes;
+        boxes.answer(answer);
+        QTest::mouseClick(form->Command7, Qt::LeftButton);
+        QCOMPARE(boxes.messages.size(), messages);
+        QCOMPARE(boxes.messages[0].prompt, QString("确认要删除李四?"));
+        QCOMPARE(boxes.messages[0].style, platform::vbYesNo);
+        QCOMPARE(db->count("select count(*) from ZHZL"), 3);
+        QCOMPARE(form->Grid2->Rows(), 4);
+        QCOMPARE(form->Grid2->TextMatrix(2, 16), QString("12"));
+        QVERIFY(form->Command7->isEnabled());
+    }
+
+    void blankOwnerNameRefused_data() {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("blanks") << QString("   ");
+    }
+    void blankOwnerNameRefused() {
+        QFETCH(QString, name);
+        open({});
+        form->Text2[0]->setText(name);
+        test::MsgBoxRecorder boxes;
+        form->Command3_Click();
+        QCOMPARE(boxes.prompts(), QStringList("请输入业户姓名"));
+        QCOMPARE(boxes.messages[0].style, platform::vbOKOnly);
+        QCOMPARE(db->count("select count(*) from 业主表"), 2);
+        QCOMPARE(form->cursor().shape(), Qt::ArrowCursor);
+    }
+
+    void ownerUpdateKeepsRoomAndState() {
+        open(QStringLiteral("1"));
+        form->Text2[0]->setText(" 王建军 ");
+        form->Text2[1]->setText({});
+        form->Text2[4]->setText("2021/2/3");
+        form->Check1->setChecked(false);
+        form->Command3_Click();
+        QCOMPARE(db->scalar("select 姓名 from 业主表 where ZH_ID=1").toString(), " 王建军 ");
+        QVERIFY(db->scalar("select 固定电话 is null from 业主表 where ZH_ID=1").toBool());
+        QCOMPARE(db->scalar("select 购房日期 from 业主表 where ZH_ID=1").toString(), "2021-02-03");
+        QCOMPARE(db->count("select 短信 from 业主表 where ZH_ID=1"), 0);
+        QCOMPARE(db->count("select S_ID from 业主表 where ZH_ID=1"), 7);
+        QCOMPARE(db->scalar("select 说明 from 业主表 where ZH_ID=1").toString(), "迁出");
+        QCOMPARE(form->Frame1[0]->Tag, QString("1"));
+    }
+
+    void newOwnerInsertedOnceThenUpdated() {
+        open({});
+        form->Frame1[1]->setEnabled(false);
+        form->Frame1[1]->Tag = "9";
+        form->Text2[0]->setText("赵六");
+        form->Check1->setChecked(true);
+        form->Command3_Click();
+        const QString key = form->Frame1[0]->Tag;
+        QCOMPARE(key, db->scalar("select ZH_ID from 业主表 where 姓名='赵六'").toString());
+        const QString row = " from 业主表 where ZH_ID=" + key;
+        QCOMPARE(db->count("select S_ID" + row), 9);
+        QCOMPARE(db->count("select 短信" + row), 1);
+        QCOMPARE(db->scalar("select 说明" + row).toString(), "新进户");
+        QCOMPARE(
+            db->count("select count(*)" + row +
+                      " and coalesce(固定电话, 移动电话, 身份证, 购房日期, 交房日期, 进户日期, "
+                      "开始收费日期, 工作单位, 户籍所在地, 备注) is null"),
+            1);
+        QVERIFY(form->Frame1[1]->isEnabled());
+        QCOMPARE(form->cursor().shape(), Qt::ArrowCursor);
+
+        form->Text2[0]->setText("赵六六");
+        form->Command3_Click();
+        QCOMPARE(db->count("select count(*) from 业主表"), 3);
+        QCOMPARE(db->scalar("select 姓名" + row).toString(), "赵六六");
+        QCOMPARE(db->scalar("select 说明" + row).toString(), "新进户");
+    }
+
+    void refusedOwnerDateEndsSave_data() {
+        QTest::addColumn<QString>("ownerKey");
+        QTest::newRow("stored owner") << QString("1");
+        QTest::newRow("new owner") << QString();
+    }
+    void refusedOwnerDateEndsSave() {
+        QFETCH(QString, ownerKey);
+        open(ownerKey);
+        form->Text2[0]->setText("钱七");
+        form->Text2[6]->setText("2024-13-40");
+        test::MsgBoxRecorder boxes;
+        QTest::mouseClick(form->Command3, Qt::LeftButton);
+        QCOMPARE(boxes.messages.size(), 1);
+        QCOMPARE(db->count("select count(*) from 业主表 where 姓名='钱七'"), 0);
+        QCOMPARE(db->count("select count(*) from 业主表"), 2);
+        QCOMPARE(form->Frame1[0]->Tag, ownerKey);
+        QCOMPARE(form->cursor().shape(), Qt::WaitCursor);
+    }
+
+    void invalidBirthDateRefused_data() {
+        QTest::addColumn<QString>("date");
+        QTest::newRow("impossible") << QString("2024-13-40");
+        QTest::newRow("blanks") << QString(" ");
+    }
+    void invalidBirthDateRefused() {
+        QFETCH(QString, date);
+        open(QStringLiteral("2"));
+        form->Text3[2]->setText(date);
+        test::MsgBoxRecorder boxes;
+        form->Command5_Click();
+        QCOMPARE(boxes.prompts(), QStringList("输入了非法日期"));
+        QVERIFY(form->Text3[2]->editor()->hasFocus());
+        QCOMPARE(db->count("select count(*) from ZHZL"), 3);
+        QCOMPARE(form->Command6->text(), QString("取消新增"));
+    }
+
+    void memberInsertedWithEmptyBoxes() {
+        open(QStringLiteral("2"));
+        form->Combo4->setCurrentIndex(-1);
+        form->Combo5->setCurrentIndex(-1);
+        form->Command5_Click();
+        const QString key = db->scalar("select ZL_ID from ZHZL where ZH_ID=2").toString();
+        QVERIFY(!key.isEmpty());
+        const QString row = " from ZHZL where ZL_ID=" + key;
+        QCOMPARE(db->scalar("select ZL_xb is null" + row).toInt(), 0);
+        QCOMPARE(db->scalar("select ZL_xb" + row).toString(), QString());
+        QCOMPARE(
+            db->count("select count(*)" + row +
+                      " and coalesce(ZL_xm, ZL_gx, ZL_csrq, ZL_csd, ZL_jg, ZL_whcd, ZL_hy, "
+                      "ZL_sfz, ZL_dh, ZL_yddh, ZL_fwcs, ZL_zj, ZL_mz, ZL_bz, ZL_jtdh) is null"),
+            1);
+        QStringList line(17, QString());
+        line.first() = "1";
+        line.last() = key;
+        QCOMPARE(form->Grid2->Rows(), 2);
+        QCOMPARE(gridLine(*form->Grid2, 1), line);
+        QCOMPARE(form->Command6->text(), QString("新增"));
+        QVERIFY(form->Command7->isEnabled());
+
+        // The bare caption is not the add caption: the next click cancels, the one after adds.
+        form->Command6_Click();
+        QCOMPARE(form->Command6->text(), QString("新增(&A)"));
+        form->Command6_Click();
+        QCOMPARE(form->Command6->text(), QString("取消新增"));
+    }
+
+    void memberInsertShowsStoredValues() {
+        open(QStringLiteral("1"));
+        clickRow(1);
+        form->Command6_Click();
+        form->Text3[0]->setText("孙八");
+        form->Text3[2]->setText("2001/2/3");
+        form->Combo5->setCurrentIndex(1);
+        form->Command5_Click();
+        QCOMPARE(form->Grid2->Rows(), 5);
+        const QStringList line = gridLine(*form->Grid2, 4);
+        QCOMPARE(line.mid(0, 5), QStringList({"4", "孙八", "", "男", "2001-02-03"}));
+        QCOMPARE(line[8], QString("未婚"));
+        QCOMPARE(line[16], db->scalar("select ZL_ID from ZHZL where ZL_xm='孙八'").toString());
+        QCOMPARE(db->count("select ZH_ID from ZHZL where ZL_xm='孙八'"), 1);
+    }
+
+    void memberUpdatePatchesSelectedLine() {
+        open(QStringLiteral("1"));
+        const QStringList first = gridLine(*form->Grid2, 1);
+        const QStringList third = gridLine(*form->Grid2, 3);
+        clickRow(2);
+        form->Text3[0]->setText("李四四");
+        form->Text3[2]->setText("1990/1/2");
+        form->Combo5->setCurrentIndex(1);
+        form->Command5_Click();
+        const QString row = " from ZHZL where ZL_ID=12";
+        QCOMPARE(db->scalar("select ZL_xm" + row).toString(), "李四四");
+        QCOMPARE(db->scalar("select ZL_xb" + row).toString(), "女");
+        QCOMPARE(db->scalar("select ZL_jtdh" + row).toString(), "旧号");
+        QCOMPARE(db->count("select ZH_ID" + row), 1);
+        QCOMPARE(gridLine(*form->Grid2, 2).mid(0, 5),
+                 QStringList({"2", "李四四", "", "女", "1990-01-02"}));
+        QCOMPARE(gridLine(*form->Grid2, 2)[16], QString("12"));
+        QCOMPARE(gridLine(*form->Grid2, 1), first);
+        QCOMPARE(gridLine(*form->Grid2, 3), third);
+        QCOMPARE(db->count("select count(*) from ZHZL"), 3);
+    }
+
+    void unloadHandsBackKey() {
+        Opener opener;
+        form->setOpener(&opener);
+        open({});
+        form->Command2_Click();
+        QVERIFY(opener.keys.isEmpty());
+        form->Show();
+        form->Frame1[0]->Tag = "5";
+        form->Command2_Click();
+        QCOMPARE(opener.keys, QStringList("5"));
+        QVERIFY(!form->isVisible());
+    }
+};
+
+QIVO_TEST_MAIN(TestOwner)
+#include "test_owner.moc"
