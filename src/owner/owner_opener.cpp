@@ -1,13 +1,34 @@
 #include "owner/owner_opener.h"
 
 #include <QIODevice>
+#include <QRegularExpression>
+#include <cstdio>
 
 #include "owner/owner_form.h"
+#include "platform/end.h"
+#include "session/connection.h"
 
 namespace qivo {
 
+namespace {
+
+const QString kOwnerOption = QStringLiteral("--owner");
+const QString kNewOwnerOption = QStringLiteral("--new-owner");
+
+// The key goes into SQL text unquoted, so only a decimal number is taken.
+bool isDecimalKey(const QString& text) {
+    static const QRegularExpression decimal(QStringLiteral("^[0-9]+$"));
+    return decimal.match(text).hasMatch();
+}
+
+}  // namespace
+
+OwnerKeyLine::OwnerKeyLine(std::unique_ptr<QIODevice> out) : out_(std::move(out)) {}
+
+OwnerKeyLine::~OwnerKeyLine() = default;
+
 void OwnerKeyLine::receiveOwnerKey(const QString& ownerKey) {
-    out_.write(QStringLiteral("ZH_ID=%1\n").arg(ownerKey).toUtf8());
+    out_->write(QStringLiteral("ZH_ID=%1\n").arg(ownerKey).toUtf8());
 }
 
 void openOwnerScreen(frm业户信息& screen, const QString& ownerKey, const QString& roomId,
@@ -16,6 +37,44 @@ void openOwnerScreen(frm业户信息& screen, const QString& ownerKey, const QSt
     screen.Frame1[1]->Tag = roomId;
     screen.setOpener(&opener);
     screen.Show();
+}
+
+OwnerLaunch::OwnerLaunch(std::unique_ptr<QIODevice> keyOut) : keyLine_(std::move(keyOut)) {}
+
+OwnerLaunch::~OwnerLaunch() = default;
+
+std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
+                                                        std::unique_ptr<QIODevice> keyOut) {
+    qsizetype at = arguments.indexOf(kOwnerOption);
+    if (at < 0) {
+        at = arguments.indexOf(kNewOwnerOption);
+    }
+    if (at < 0) {
+        return nullptr;
+    }
+    const QString option = arguments.takeAt(at);
+    const QString value = at < arguments.size() ? arguments.takeAt(at) : QString();
+    auto launch = std::make_unique<OwnerLaunch>(std::move(keyOut));
+    if (!isDecimalKey(value)) {
+        std::fprintf(stderr, "qivo-review: %s 后须跟一个数字编号\n", qPrintable(option));
+        platform::End();
+        return launch;
+    }
+    if (!ConnectDatabase()) {
+        platform::End();
+        return launch;
+    }
+    if (option == kOwnerOption) {
+        launch->open(value, {});
+    } else {
+        launch->open({}, value);
+    }
+    return launch;
+}
+
+void OwnerLaunch::open(const QString& ownerKey, const QString& roomId) {
+    screen_ = std::make_unique<frm业户信息>();
+    openOwnerScreen(*screen_, ownerKey, roomId, keyLine_);
 }
 
 }  // namespace qivo
