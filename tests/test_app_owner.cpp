@@ -1,0 +1,110 @@
+#include <QApplication>
+#include <QBuffer>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+#include "owner/owner_form.h"
+#include "owner/owner_opener.h"
+#include "platform/end.h"
+#include "platform/settings.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+
+// The owner screen as another program opens it. The screen stays open until a
+// user closes it, which a test process cannot do from outside, so the full
+// round trip runs in process through the same opener the program uses; the
+// program itself is run for what ends without a window.
+class TestAppOwner final : public QObject {
+    Q_OBJECT
+
+    // Opens the screen from the given options and closes it as the user would.
+    static QByteArray runScreen(QStringList& arguments,
+                                const std::function<void(frm业户信息&)>& use) {
+        auto* keyOut = new QBuffer;
+        keyOut->open(QIODevice::WriteOnly);
+        auto launch = OwnerLaunch::fromArguments(arguments, std::unique_ptr<QIODevice>(keyOut));
+        if (launch == nullptr || launch->screen() == nullptr) {
+            return "no screen";
+        }
+        frm业户信息& screen = *launch->screen();
+        if (!QTest::qWaitForWindowActive(&screen)) {
+            return "not shown";
+        }
+        use(screen);
+        QTest::mouseClick(screen.Command2, Qt::LeftButton);
+        return keyOut->data();
+    }
+
+  private Q_SLOTS:
+    void storedOwnerHandsBackItsKey() {
+        test::FixtureDb db;
+        db.exec("insert into 业主表 (ZH_ID, S_ID, 姓名) values (4, 1, '周九')");
+        QString shownName;
+        QStringList arguments{"qivo-review", "a,b", "--owner", "4"};
+        const QByteArray out =
+            runScreen(arguments, [&](frm业户信息& screen) { shownName = screen.Text2[0]->text(); });
+        QCOMPARE(shownName, QString("周九"));
+        QCOMPARE(out, QByteArray("ZH_ID=4\n"));
+        QCOMPARE(arguments, QStringList({"qivo-review", "a,b"}));
+    }
+
+    void newOwnerHandsBackTheNewKey() {
+        test::FixtureDb db;
+        QStringList arguments{"qivo-review", "--new-owner", "31"};
+        const QByteArray out = runScreen(arguments, [](frm业户信息& screen) {
+            screen.Text2[0]->setText("吴十");
+            QTest::mouseClick(screen.Command3, Qt::LeftButton);
+        });
+        const QString key = db.scalar("select ZH_ID from 业主表 where S_ID=31").toString();
+        QVERIFY(!key.isEmpty());
+        QCOMPARE(out, ("ZH_ID=" + key + "\n").toUtf8());
+
+        // A new owner closed unsaved has no key to hand back.
+        arguments = QStringList{"qivo-review", "--new-owner", "32"};
+        QCOMPARE(runScreen(arguments, [](frm业户信息&) {}), QByteArray());
+    }
+
+    void noDatabaseEnds() {
+        QTemporaryDir dir;
+        platform::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:" + dir.filePath("gone.db"));
+        test::MsgBoxRecorder boxes;
+        test::EndRecorder end;
+        QStringList arguments{"qivo-review", "--owner", "4"};
+        auto launch = OwnerLaunch::fromArguments(arguments, std::make_unique<QBuffer>());
+        QVERIFY(launch != nullptr);
+        QVERIFY(launch->screen() == nullptr);
+        QCOMPARE(boxes.prompts().size(), 2);
+        QCOMPARE(boxes.prompts().last(), QString("数据库连接失败!"));
+        QCOMPARE(end.count, 1);
+    }
+
+    void programRefusesAMissingKey_data() {
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("no value") << QStringList{"--owner"};
+        QTest::newRow("not a number") << QStringList{"--new-owner", "12;drop"};
+    }
+    void programRefusesAMissingKey() {
+        QFETCH(QStringList, options);
+        const QString program = qEnvironmentVariable("QIVO_REVIEW");
+        if (!QFile::exists(program)) {
+            QSKIP("the program qivo-review is not built");
+        }
+        QTemporaryDir config;
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_CONFIG_HOME", config.path());
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        process.setProcessEnvironment(environment);
+        process.start(program, options);
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.readAllStandardOutput(), QByteArray());
+        QVERIFY(QString::fromUtf8(process.readAllStandardError()).contains(options.first()));
+    }
+
+    void cleanup() { QVERIFY(QApplication::topLevelWidgets().isEmpty()); }
+};
+
+QIVO_TEST_MAIN(TestAppOwner)
+#include "test_app_owner.moc"
