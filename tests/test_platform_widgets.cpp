@@ -52,7 +52,9 @@ class CountingForm final : public platform::Form {
   public:
     int loads = 0;
     int unloads = 0;
+    int activations = 0;
     void Form_Load() override { ++loads; }
+    void Form_Activate() override { ++activations; }
     void Form_Unload() override { ++unloads; }
 };
 
@@ -278,6 +280,22 @@ class TestPlatformWidgets final : public QObject {
         form.Show();
         QCOMPARE(form.loads, 2);
         form.Unload();
+    }
+
+    void activationCountsOnlyBetweenForms() {
+        CountingForm first;
+        CountingForm second;
+        auto activate = [](QWidget& window) {
+            QEvent event(QEvent::WindowActivate);
+            QCoreApplication::sendEvent(&window, &event);
+        };
+        activate(first);
+        activate(first);  // back from a message box or another program
+        QCOMPARE(first.activations, 1);
+        activate(second);
+        activate(first);
+        QCOMPARE(first.activations, 2);
+        QCOMPARE(second.activations, 1);
     }
 };
 

@@ -7,8 +7,22 @@
 #include "platform/twips.h"
 
 namespace qivo::platform {
+namespace {
+
+// The form that last became active. Activation counts only when it moves from one form of the
+// program to another: closing a message box or coming back from another program is no new
+// activation, so a screen does not reload under the user's typing.
+const Form* lastActive = nullptr;
+
+}  // namespace
 
 Form::Form(QWidget* parent) : QWidget(parent, Qt::Window) {}
+
+Form::~Form() {
+    if (lastActive == this) {
+        lastActive = nullptr;
+    }
+}
 
 void Form::Load() {
     if (loaded_) {
@@ -42,7 +56,8 @@ int Form::ScaleHeight() const {
 }
 
 bool Form::event(QEvent* event) {
-    if (event->type() == QEvent::WindowActivate) {
+    if (event->type() == QEvent::WindowActivate && lastActive != this) {
+        lastActive = this;
         guarded([this] { Form_Activate(); });
     }
     return QWidget::event(event);
@@ -56,6 +71,9 @@ void Form::resizeEvent(QResizeEvent* event) {
 void Form::closeEvent(QCloseEvent* event) {
     if (loaded_) {
         loaded_ = false;
+        if (lastActive == this) {
+            lastActive = nullptr;
+        }
         guarded([this] { Form_Unload(); });
     }
     event->accept();

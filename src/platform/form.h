@@ -6,12 +6,14 @@
 namespace qivo::platform {
 
 // A top-level screen. Show() loads it on first use (Form_Load), shows it and brings it to the
-// front; Unload() closes it (Form_Unload) and the next Show() loads it again. Activation runs
-// Form_Activate, a size change Form_Resize; each on the common error path.
+// front; Unload() closes it (Form_Unload) and the next Show() loads it again. Becoming the
+// active form after another form of the program (not a message box) runs Form_Activate, a size
+// change Form_Resize; each on the common error path.
 class Form : public QWidget {
     Q_OBJECT
   public:
     explicit Form(QWidget* parent = nullptr);
+    ~Form() override;
 
     void Load();
     void Show();
