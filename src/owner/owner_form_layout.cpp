@@ -1,26 +1,14 @@
-#include <QFontDatabase>
 #include <QGridLayout>
 #include <QVBoxLayout>
 
 #include "owner/owner_fields.h"
 #include "owner/owner_form.h"
 #include "platform/error_path.h"
+#include "platform/screen_font.h"
 
 namespace qivo {
 
 namespace {
-
-// The screen is designed in 微软雅黑; where it is missing the CJK face of the platform stands in.
-QFont screenFont(QFont font) {
-    for (const QString& family : {QStringLiteral("微软雅黑"), QStringLiteral("Microsoft YaHei")}) {
-        if (QFontDatabase::hasFamily(family)) {
-            font.setFamily(family);
-            return font;
-        }
-    }
-    font.setFamilies({QStringLiteral("Noto Sans CJK SC"), QStringLiteral("WenQuanYi Micro Hei")});
-    return font;
-}
 
 // Where a label and its control go in a frame's grid of label/control pairs.
 struct Cell {
@@ -42,7 +30,7 @@ QPushButton* button(const QString& caption, QWidget* parent) {
 
 frm业户信息::frm业户信息(QWidget* parent) : platform::Form(parent) {
     setWindowTitle(QStringLiteral("业户信息"));
-    setFont(screenFont(font()));
+    setFont(platform::screenFont(font()));
     resize(980, 700);
     buildOwnerFrame();
     buildMemberFrame();

@@ -1,0 +1,34 @@
+#include "session/command_line.h"
+
+#include "platform/runtime_error.h"
+
+namespace qivo {
+namespace {
+
+QString commandText;
+
+}  // namespace
+
+QString Command() {
+    return commandText;
+}
+
+void setCommand(const QString& text) {
+    commandText = text;
+}
+
+QStringList commandLineFields(const QString& text) {
+    const QStringList fields = text.split(u',');
+    if (fields.size() < 10) {
+        throw platform::RuntimeError(
+            platform::err::SubscriptOutOfRange,
+            QStringLiteral("启动参数不完整：需要以逗号分隔的十项（工号,姓名,部门编号,部门名称,"
+                           "岗位代号,岗位名称,部门类别代号,部门类别名称,岗位类别编号,"
+                           "岗位类别名称），收到 %1 项：%2")
+                .arg(fields.size())
+                .arg(text));
+    }
+    return fields;
+}
+
+}  // namespace qivo

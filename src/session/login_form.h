@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "platform/form.h"
+
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+namespace qivo {
+
+namespace platform {
+class Recordset;
+class TextBox;
+}  // namespace platform
+
+// One post the signed-in user may choose: the ten session values in their order.
+struct PostChoice {
+    QString userId;
+    QString userName;
+    QString deptId;
+    QString deptName;
+    QString postId;
+    QString postName;
+    QString deptCategoryId;
+    QString deptCategoryName;
+    QString postCategoryId;
+    QString postCategoryName;
+};
+
+// The sign-in form: takes a session from the command line, or signs a member of staff in and
+// lets them choose one of their posts, then hands over to the review screen.
+class frmLogin final : public platform::Form {
+  public:
+    explicit frmLogin(QWidget* parent = nullptr);
+
+    platform::TextBox* TxtUser;
+    platform::TextBox* txtPassword;
+    QPushButton* cmdOK;
+    QPushButton* cmdCancel;
+    QListWidget* List1;
+    QLabel* Label1;
+    QLabel* Label2;
+
+    std::vector<PostChoice> PostChoices;
+
+    void Form_Load() override;
+    void TxtUser_GotFocus();
+    void txtPassword_GotFocus();
+    void TxtUser_KeyPress(int keyAscii);
+    void txtPassword_KeyPress(int keyAscii);
+    void cmdOK_Click();
+    void cmdCancel_Click();
+    void List1_DblClick();
+
+  private:
+    void buildControls();
+    void connectEvents();
+    void signIn();
+    void listPosts(platform::Recordset& posts);
+    void handOver();
+};
+
+}  // namespace qivo
