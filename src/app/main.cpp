@@ -1,0 +1,59 @@
+#include <QStringList>
+#include <cstdio>
+
+#include "app/owner_launch.h"
+#include "platform/end.h"
+#include "platform/error_path.h"
+#include "platform/screen_font.h"
+#include "review/review_form.h"
+#include "session/command_line.h"
+#include "session/login_form.h"
+#include "session/main_screen.h"
+
+namespace {
+
+// Without a display Qt would abort with a plugin stack trace; say it plainly instead.
+bool hasDisplay() {
+#if defined(Q_OS_LINUX)
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+#else
+    return true;
+#endif
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!hasDisplay()) {
+        std::fputs(
+            "qivo-review: 没有图形显示（DISPLAY 未设置）。请在桌面环境中运行，或使用 "
+            "xvfb-run make run。\n",
+            stderr);
+        return 1;
+    }
+    qivo::platform::Application app(argc, argv);
+    app.setFont(qivo::platform::screenFont(app.font()));
+
+    QStringList arguments = app.arguments().mid(1);
+    const auto ownerLaunch = qivo::app::startOwnerScreen(arguments);
+    qivo::frmLogin login;
+    if (!ownerLaunch) {
+        const QString commandLine = arguments.join(u' ');
+        if (!commandLine.isEmpty()) {
+            try {
+                qivo::commandLineFields(commandLine);
+            } catch (const std::exception& error) {
+                qivo::platform::reportError(error);
+                return 2;
+            }
+        }
+        qivo::setCommand(commandLine);
+        qivo::showMainScreen = [] { qivo::reviewForm().Show(); };
+        login.Show();
+    }
+    if (qivo::platform::endRequested()) {
+        return 0;
+    }
+    return app.exec();
+}

@@ -1,0 +1,269 @@
+#include "register/account_screen.h"
+
+#include <QScopeGuard>
+#include <QStyle>
+
+#include "platform/ado.h"
+#include "platform/error_path.h"
+#include "platform/twips.h"
+#include "session/connection.h"
+#include "session/session_values.h"
+
+namespace qivo {
+
+namespace {
+
+constexpr int kTitleHeight = 450;
+constexpr int kRowStep = 450;
+constexpr int kBoxHeight = 330;
+constexpr int kLabelGap = 100;
+
+struct FieldLabel {
+    int box;
+    const char16_t* label;
+};
+
+// The registration's boxes in design order.
+constexpr std::array<FieldLabel, 5> kAccountLabels{{
+    {0, u"Qivo号"},
+    {1, u"地   址"},
+    {2, u"姓   名"},
+    {3, u"身份证"},
+    {4, u"移动电话"},
+}};
+
+// The owner's boxes and their 业主表 columns, in design order.
+struct OwnerField {
+    const char16_t* label;
+    const char16_t* column;
+};
+constexpr std::array<OwnerField, 11> kOwnerFields{{
+    {u"业主姓名", u"姓名"},
+    {u"固定电话", u"固定电话"},
+    {u"移动电话", u"移动电话"},
+    {u"身 份 证", u"身份证"},
+    {u"购房日期", u"购房日期"},
+    {u"收房日期", u"收楼日期"},
+    {u"进户日期", u"进户日期"},
+    {u"开始收费日期", u"开始收费日期"},
+    {u"职业信息", u"工作单位"},
+    {u"户籍（国籍）", u"户籍所在地"},
+    {u"备    注", u"备注"},
+}};
+
+// List grid column of each registration box Text1(0..4).
+constexpr std::array<int, 5> kAccountCellColumns{3, 2, 4, 5, 6};
+
+// Result columns shown in list grid columns 1 to 6.
+constexpr std::array<const char16_t*, 6> kListColumns{u"项目", u"dz",     u"Qivo号",
+                                                      u"姓名", u"身份证", u"手机"};
+
+}  // namespace
+
+AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
+    : platform::Form(parent), design_(design) {
+    Label1[0] = addHeading(design.title, {120, 0, 6000, kTitleHeight}, this);
+    MSFlexGrid1 = new platform::FlexGrid(this);
+    MSFlexGrid1->setFormatString(design.listFormat);
+    platform::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
+    StatusBar1 = new platform::StatusBar(this);
+    StatusBar1->setPanelText(1, QStringLiteral("操作员"));
+    buildPanel();
+}
+
+QLabel* AccountScreen::addLabel(const QString& text, const platform::TwipsRect& place,
+                                QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    platform::setTwipsGeometry(label, place);
+    return label;
+}
+
+QLabel* AccountScreen::addHeading(const QString& text, const platform::TwipsRect& place,
+                                  QWidget* parent) {
+    QLabel* heading = addLabel(text, place, parent);
+    heading->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    heading->setStyleSheet(QStringLiteral("font-weight: bold; color: #1f4e8c;"));
+    return heading;
+}
+
+void AccountScreen::buildPanel() {
+    Picture1 = new QFrame(this);
+    Picture1->setObjectName(QStringLiteral("Picture1"));
+    Picture1->setStyleSheet(QStringLiteral(
+        "QFrame#Picture1 { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, y1:0, "
+        "x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    platform::setTwipsGeometry(Picture1, design_.panel);
+    const int closeSize = 360;
+    Image1 = new platform::ImageButton(
+        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), Picture1);
+    Image1->setToolTip(QStringLiteral("关闭"));
+    platform::setTwipsGeometry(Image1,
+                               {design_.panel.width - closeSize - 120, 120, closeSize, closeSize});
+    buildAccountFields(design_.accountFields);
+    buildOwnerFields(design_.ownerFields);
+    Picture1->hide();
+
+    using platform::onEvent;
+    onEvent(Image1, &platform::ImageButton::MouseDown, this, [this] { Image1_MouseDown(); });
+    onEvent(Image1, &platform::ImageButton::MouseUp, this, [this] { Image1_MouseUp(); });
+    onEvent(Image1, &platform::ImageButton::Click, this, [this] { Image1_Click(); });
+}
+
+void AccountScreen::buildAccountFields(QPoint origin) {
+    const int labelWidth = 1000;
+    const int boxWidth = 3600;
+    for (std::size_t i = 0; i < kAccountLabels.size(); ++i) {
+        const int top = origin.y() + static_cast<int>(i) * kRowStep;
+        const FieldLabel& field = kAccountLabels[i];
+        addLabel(QString::fromUtf16(field.label), {origin.x(), top, labelWidth, kBoxHeight},
+                 Picture1);
+        auto* box = new platform::TextBox(Picture1);
+        box->setReadOnly(true);
+        platform::setTwipsGeometry(
+            box, {origin.x() + labelWidth + kLabelGap, top, boxWidth, kBoxHeight});
+        Text1[field.box] = box;
+    }
+}
+
+void AccountScreen::buildOwnerFields(QPoint origin) {
+    const int labelWidth = 1400;
+    const int boxWidth = 3800;
+    for (std::size_t i = 0; i < kOwnerFields.size(); ++i) {
+        const int top = origin.y() + static_cast<int>(i) * kRowStep;
+        addLabel(QString::fromUtf16(kOwnerFields[i].label),
+                 {origin.x(), top, labelWidth, kBoxHeight}, Picture1);
+        auto* box = new platform::TextBox(Picture1);
+        box->setReadOnly(true);
+        platform::setTwipsGeometry(
+            box, {origin.x() + labelWidth + kLabelGap, top, boxWidth, kBoxHeight});
+        Text2[i] = box;
+    }
+}
+
+// Each step leaves its control as it was when the window is too small for it.
+void AccountScreen::Form_Resize() {
+    dockStatusBar();
+    const int width = ScaleWidth();
+    const int height = ScaleHeight();
+    const auto apply = [](int value, int& target) {
+        if (value >= 0) {
+            target = value;
+        }
+    };
+
+    platform::TwipsRect grid = platform::twipsGeometry(MSFlexGrid1);
+    apply(height - platform::twipsGeometry(Label1[0]).height -
+              platform::twipsGeometry(StatusBar1).height - 150,
+          grid.height);
+    apply(width - design_.gridMargin, grid.width);
+    platform::setTwipsGeometry(MSFlexGrid1, grid);
+
+    platform::TwipsRect panel = platform::twipsGeometry(Picture1);
+    apply(grid.top + (grid.height - panel.height) / 2, panel.top);
+    apply(grid.left + (grid.width - panel.width) / 2, panel.left);
+    platform::setTwipsGeometry(Picture1, panel);
+
+    platform::TwipsRect refresh = platform::twipsGeometry(Command4);
+    platform::TwipsRect exit = platform::twipsGeometry(Command5);
+    apply(width - refresh.width - exit.width - design_.refreshGap, refresh.left);
+    apply(width - exit.width - design_.exitMargin, exit.left);
+    platform::setTwipsGeometry(Command4, refresh);
+    platform::setTwipsGeometry(Command5, exit);
+}
+
+// The status bar keeps to the bottom edge at its own height.
+void AccountScreen::dockStatusBar() {
+    const int barHeight = StatusBar1->sizeHint().height();
+    StatusBar1->setGeometry(0, height() - barHeight, width(), barHeight);
+}
+
+void AccountScreen::Image1_MouseDown() {
+    Image1->setBorderStyle(1);
+}
+
+void AccountScreen::Image1_MouseUp() {
+    Image1->setBorderStyle(0);
+}
+
+void AccountScreen::Image1_Click() {
+    Picture1->setVisible(false);
+}
+
+void AccountScreen::ClearAccountFields() {
+    for (platform::TextBox* box : Text1) {
+        box->setText({});
+    }
+}
+
+void AccountScreen::ClearOwnerFields() {
+    for (platform::TextBox* box : Text2) {
+        box->setText({});
+    }
+}
+
+void AccountScreen::prepareListGrid() {
+    MSFlexGrid1->setRows(1);
+    MSFlexGrid1->setColWidth(MSFlexGrid1->Cols() - 1, 0);
+    for (int col = 0; col < MSFlexGrid1->Cols(); ++col) {
+        MSFlexGrid1->setColAlignmentFixed(col, platform::flexAlignCenterCenter);
+    }
+}
+
+void AccountScreen::showUserName() {
+    StatusBar1->setPanelText(2, CurrentUserName);
+}
+
+void AccountScreen::copyAccountCells(int row) {
+    for (std::size_t i = 0; i < Text1.size(); ++i) {
+        Text1[i]->setText(MSFlexGrid1->TextMatrix(row, kAccountCellColumns[i]));
+    }
+}
+
+void AccountScreen::fillOwnerFields(const platform::Recordset& owner) {
+    Text2[0]->setText(
+        platform::requireText(owner.Fields(QString::fromUtf16(kOwnerFields[0].column))));
+    for (std::size_t i = 1; i < Text2.size(); ++i) {
+        Text2[i]->setText(
+            platform::fieldText(owner.Fields(QString::fromUtf16(kOwnerFields[i].column))));
+    }
+}
+
+void AccountScreen::fillList(
+    const QString& sql, const std::function<void(int row, const platform::Recordset&)>& finishRow) {
+    platform::Recordset record;
+    record.Open(sql, Connection::cn());
+    MSFlexGrid1->setVisible(false);
+    const auto showAgain = qScopeGuard([this] { MSFlexGrid1->setVisible(true); });
+    MSFlexGrid1->setRows(1);
+    const int keyCol = MSFlexGrid1->Cols() - 1;
+    while (!record.Eof()) {
+        MSFlexGrid1->setRows(MSFlexGrid1->Rows() + 1);
+        const int row = MSFlexGrid1->Rows() - 1;
+        MSFlexGrid1->setRow(row);
+        MSFlexGrid1->setRowData(row, record.Fields(QStringLiteral("HLWID")).toInt());
+        MSFlexGrid1->setTextMatrix(row, keyCol,
+                                   platform::fieldText(record.Fields(QStringLiteral("Zh_id"))));
+        MSFlexGrid1->setTextMatrix(row, 0, QString::number(row));
+        for (std::size_t i = 0; i < kListColumns.size(); ++i) {
+            MSFlexGrid1->setTextMatrix(
+                row, static_cast<int>(i) + 1,
+                platform::fieldText(record.Fields(QString::fromUtf16(kListColumns[i]))));
+        }
+        finishRow(row, record);
+        if (row % 2 == 0) {
+            for (int col = 1; col < MSFlexGrid1->Cols(); ++col) {
+                MSFlexGrid1->setCol(col);
+                MSFlexGrid1->setCellBackColor(kBandColor);
+            }
+        }
+        record.MoveNext();
+    }
+}
+
+void AccountScreen::openPanel() {
+    Picture1->setVisible(true);
+    Picture1->raise();
+}
+
+}  // namespace qivo

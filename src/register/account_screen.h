@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QPushButton>
+#include <array>
+#include <functional>
+#include <map>
+
+#include "platform/flex_grid.h"
+#include "platform/form.h"
+#include "platform/image_button.h"
+#include "platform/placement.h"
+#include "platform/status_bar.h"
+#include "platform/text_box.h"
+
+namespace qivo {
+
+namespace platform {
+class Recordset;
+}
+
+// Where one account screen differs from the other: the Resize constants, in twips, and the
+// design of its detail panel.
+struct AccountScreenDesign {
+    int gridMargin;      // the window's inner width less the list grid's width
+    int refreshGap;      // from Command4's right edge to Command5's left, plus Command5's margin
+    int exitMargin;      // from Command5's right edge to the window's inner right edge
+    QString title;       // caption of the title label Label1(0)
+    QString listFormat;  // MSFlexGrid1's format string
+    platform::TwipsRect panel;
+    QPoint accountFields;  // where the registration's boxes start on the panel
+    QPoint ownerFields;    // where the owner's boxes start on the panel
+};
+
+// What the review screen and the register share: a title over the list grid, refresh and exit
+// buttons in the top right corner, a status bar with the signed-in user, and a detail panel
+// (Picture1, closed by Image1) with the registration as listed beside the owner's record.
+// Each screen creates its own Command4 and Command5 before it is shown.
+class AccountScreen : public platform::Form {
+  public:
+    std::map<int, QLabel*> Label1;
+    platform::FlexGrid* MSFlexGrid1 = nullptr;
+    platform::StatusBar* StatusBar1 = nullptr;
+    QPushButton* Command4 = nullptr;
+    QPushButton* Command5 = nullptr;
+    QFrame* Picture1 = nullptr;
+    platform::ImageButton* Image1 = nullptr;
+    std::array<platform::TextBox*, 5> Text1{};
+    std::array<platform::TextBox*, 11> Text2{};
+
+    void Form_Resize() override;
+    void Image1_MouseDown();
+    void Image1_MouseUp();
+    void Image1_Click();
+    void ClearAccountFields();
+    void ClearOwnerFields();
+
+  protected:
+    AccountScreen(const AccountScreenDesign& design, QWidget* parent);
+
+    QLabel* addLabel(const QString& text, const platform::TwipsRect& place, QWidget* parent);
+    QLabel* addHeading(const QString& text, const platform::TwipsRect& place, QWidget* parent);
+
+    // Load-time set-up of the list: header row only, key column hidden, headers centred.
+    void prepareListGrid();
+    void showUserName();
+    // The registration's cells of a list row into Text1.
+    void copyAccountCells(int row);
+    // The owner's record into Text2; a Null 姓名 is a run-time error.
+    void fillOwnerFields(const platform::Recordset& owner);
+    // Refills MSFlexGrid1 from the query: key, row number and the six shared columns, then
+    // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
+    void fillList(const QString& sql,
+                  const std::function<void(int row, const platform::Recordset&)>& finishRow);
+    void openPanel();
+
+  private:
+    void buildPanel();
+    void buildAccountFields(QPoint origin);
+    void buildOwnerFields(QPoint origin);
+    void dockStatusBar();
+
+    AccountScreenDesign design_;
+};
+
+// One column of a grid format string: alignment mark, header, and the blanks that widen it.
+inline QString formatColumn(QChar align, const QString& header, int blanks) {
+    return align + header + QString(blanks, u' ');
+}
+
+// Even rows of a list are tinted in every column but the row number.
+constexpr quint32 kBandColor = 16710887;
+constexpr quint32 kBlue = 0xFF0000;
+
+}  // namespace qivo

@@ -1,0 +1,149 @@
+#include "register/register_form.h"
+
+#include "platform/ado.h"
+#include "platform/msgbox.h"
+#include "register/register_sql.h"
+#include "session/connection.h"
+
+namespace qivo {
+
+namespace {
+
+constexpr int kStateCol = 7;
+constexpr int kOpenCol = 8;
+
+// The household state: only the exact marker of a current household shows no state.
+QString householdState(const QVariant& note) {
+    return !note.isNull() && note.toString() == QStringLiteral("新进户") ? QString()
+                                                                         : QStringLiteral("已迁出");
+}
+
+}  // namespace
+
+void frmQivo账号一览表::Form_Load() {
+    ClearAccountFields();
+    ClearOwnerFields();
+    prepareListGrid();
+    MSFlexGrid1->setColWidth(MSFlexGrid1->Cols() - 1, 0);
+    MSFlexGrid2->setRows(1);
+    for (int col = 0; col < MSFlexGrid2->Cols(); ++col) {
+        MSFlexGrid2->setColAlignmentFixed(col, platform::flexAlignCenterCenter);
+    }
+    showUserName();
+    LoadApprovedList();
+}
+
+// A list that cannot be read keeps what it showed, without a message.
+void frmQivo账号一览表::LoadApprovedList() {
+    Picture1->setVisible(false);
+    try {
+        fillList(register_sql::approvedListQuery(),
+                 [this](int row, const platform::Recordset& record) {
+                     MSFlexGrid1->setTextMatrix(
+                         row, kStateCol, householdState(record.Fields(QStringLiteral("说明"))));
+                     MSFlexGrid1->setTextMatrix(row, kOpenCol, QStringLiteral("查看\\终止"));
+                     MSFlexGrid1->setCol(kOpenCol);
+                     MSFlexGrid1->setCellForeColor(kBlue);
+                     MSFlexGrid1->setCol(0);
+                 });
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+void frmQivo账号一览表::MSFlexGrid1_Click() {
+    if (MSFlexGrid1->Rows() == 1) {
+        return;
+    }
+    if (MSFlexGrid1->Col() == kOpenCol) {
+        MSFlexGrid1_DblClick();
+    }
+    MSFlexGrid1->setCol(0);
+    MSFlexGrid1->setColSel(MSFlexGrid1->Cols() - 1);
+}
+
+void frmQivo账号一览表::MSFlexGrid1_DblClick() {
+    if (MSFlexGrid1->Rows() == 1) {
+        return;
+    }
+    const int row = MSFlexGrid1->Row();
+    FillAccountFields(row);
+    const QString ownerKey = MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1);
+    LoadOwnerDetail(ownerKey.toInt());
+    LoadMemberAccounts(ownerKey);
+    openPanel();
+}
+
+void frmQivo账号一览表::FillAccountFields(qint32 row) {
+    copyAccountCells(row);
+}
+
+// A missing owner row or a Null name ends the fill quietly; boxes not reached keep their text.
+void frmQivo账号一览表::LoadOwnerDetail(qint32 zhId) {
+    try {
+        platform::Recordset owner;
+        owner.Open(register_sql::ownerDetailQuery(zhId), Connection::cn());
+        fillOwnerFields(owner);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
+    platform::Recordset member;
+    member.Open(register_sql::memberAccountsQuery(zhId), Connection::cn());
+    MSFlexGrid2->setRows(1);
+    MSFlexGrid2->setVisible(false);
+    while (!member.Eof()) {
+        MSFlexGrid2->setRows(MSFlexGrid2->Rows() + 1);
+        const int row = MSFlexGrid2->Rows() - 1;
+        MSFlexGrid2->setRow(row);
+        MSFlexGrid2->setTextMatrix(row, 0, QString::number(row));
+        MSFlexGrid2->setTextMatrix(row, 1,
+                                   platform::fieldText(member.Fields(QStringLiteral("Qivo号"))));
+        MSFlexGrid2->setTextMatrix(row, 2,
+                                   platform::fieldText(member.Fields(QStringLiteral("姓名"))));
+        MSFlexGrid2->setTextMatrix(row, 3,
+                                   platform::fieldText(member.Fields(QStringLiteral("身份证"))));
+        MSFlexGrid2->setTextMatrix(row, 4,
+                                   platform::fieldText(member.Fields(QStringLiteral("手机"))));
+        MSFlexGrid2->setRowData(row, member.Fields(QStringLiteral("HLWID")).toInt());
+        member.MoveNext();
+    }
+    MSFlexGrid2->setVisible(true);
+}
+
+// Terminates the opened owner's account and every member account the panel lists, in one
+// batch that either runs whole or not at all.
+void frmQivo账号一览表::Command1_Click() {
+    if (platform::MsgBox(QStringLiteral("确认要终止这个Qivo账号"), platform::vbYesNo) ==
+        platform::vbNo) {
+        return;
+    }
+    if (MSFlexGrid2->Rows() >= 2 &&
+        platform::MsgBox(QStringLiteral("该业主名下的Qivo账号将同时终止"), platform::vbYesNo) ==
+            platform::vbNo) {
+        return;
+    }
+    QList<qint32> members;
+    for (int row = 1; row < MSFlexGrid2->Rows(); ++row) {
+        members << MSFlexGrid2->RowData(row);
+    }
+    Connection::cn().Execute(
+        register_sql::terminateBatch(MSFlexGrid1->RowData(MSFlexGrid1->Row()), members));
+    LoadApprovedList();
+}
+
+void frmQivo账号一览表::Command2_Click() {
+    Picture1->setVisible(false);
+}
+
+void frmQivo账号一览表::Command4_Click() {
+    LoadApprovedList();
+}
+
+void frmQivo账号一览表::Command5_Click() {
+    Unload();
+}
+
+}  // namespace qivo

@@ -1,0 +1,80 @@
+#include "platform/error_path.h"
+#include "platform/screen_font.h"
+#include "platform/single_form.h"
+#include "register/register_form.h"
+
+namespace qivo {
+
+namespace {
+
+AccountScreenDesign registerDesign() {
+    const QString listFormat = formatColumn('<', QStringLiteral("序"), 4) + '|' +
+                               formatColumn('<', QStringLiteral("项目名称"), 43) + '|' +
+                               formatColumn('<', QStringLiteral("地址"), 63) + '|' +
+                               formatColumn('<', QStringLiteral("Qivo号"), 38) + '|' +
+                               formatColumn('<', QStringLiteral("姓名"), 6) + '|' +
+                               formatColumn('<', QStringLiteral("身份证号"), 39) + '|' +
+                               formatColumn('<', QStringLiteral("手机号"), 23) + '|' +
+                               formatColumn('^', QStringLiteral("状态"), 8) + '|' +
+                               formatColumn('^', QStringLiteral("操作"), 12) + '|';
+    return {.gridMargin = 180,
+            .refreshGap = 900,
+            .exitMargin = 300,
+            .title = QStringLiteral("已审核Qivo账号"),
+            .listFormat = listFormat,
+            .panel = {0, 0, 12000, 8760},
+            .accountFields = {300, 1050},
+            .ownerFields = {5900, 1050}};
+}
+
+QString memberFormat() {
+    return formatColumn('<', QStringLiteral("序"), 4) + '|' +
+           formatColumn('<', QStringLiteral("Qivo号"), 32) + '|' +
+           formatColumn('<', QStringLiteral("姓名"), 8) + '|' +
+           formatColumn('<', QStringLiteral("身份证号"), 39) + '|' +
+           formatColumn('<', QStringLiteral("手机号"), 23);
+}
+
+}  // namespace
+
+frmQivo账号一览表::frmQivo账号一览表(QWidget* parent) : AccountScreen(registerDesign(), parent) {
+    setWindowTitle(QStringLiteral("Qivo账号一览表"));
+    setFont(platform::screenFont(font()));
+    platform::setTwipsGeometry(this, {0, 0, 15030, 10500});
+    Command4 = new QPushButton(QStringLiteral("刷新"), this);
+    platform::setTwipsGeometry(Command4, {9570, 60, 1365, 375});
+    Command5 = new QPushButton(QStringLiteral("退出"), this);
+    platform::setTwipsGeometry(Command5, {13350, 45, 1365, 375});
+    buildMemberArea();
+    connectEvents();
+}
+
+void frmQivo账号一览表::buildMemberArea() {
+    addHeading(QStringLiteral("业主及Qivo信息"), {300, 120, 4000, 400}, Picture1);
+    addHeading(QStringLiteral("业主Qivo注册资料"), {300, 600, 4000, 360}, Picture1);
+    addHeading(QStringLiteral("业主资料"), {5900, 600, 4000, 360}, Picture1);
+    addHeading(QStringLiteral("业主名下的Qivo账号"), {300, 6100, 4000, 360}, Picture1);
+    MSFlexGrid2 = new platform::FlexGrid(Picture1);
+    MSFlexGrid2->setFormatString(memberFormat());
+    platform::setTwipsGeometry(MSFlexGrid2, {300, 6480, 11400, 1455});
+    Command1 = new QPushButton(QStringLiteral("终止"), Picture1);
+    platform::setTwipsGeometry(Command1, {3150, 8055, 1470, 450});
+    Command2 = new QPushButton(QStringLiteral("关闭"), Picture1);
+    platform::setTwipsGeometry(Command2, {7680, 8055, 1470, 450});
+}
+
+void frmQivo账号一览表::connectEvents() {
+    using platform::onEvent;
+    onEvent(MSFlexGrid1, &platform::FlexGrid::Click, this, [this] { MSFlexGrid1_Click(); });
+    onEvent(MSFlexGrid1, &platform::FlexGrid::DblClick, this, [this] { MSFlexGrid1_DblClick(); });
+    onEvent(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
+    onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
+    onEvent(Command4, &QPushButton::clicked, this, [this] { Command4_Click(); });
+    onEvent(Command5, &QPushButton::clicked, this, [this] { Command5_Click(); });
+}
+
+frmQivo账号一览表& registerForm() {
+    return platform::singleForm<frmQivo账号一览表>();
+}
+
+}  // namespace qivo

@@ -1,0 +1,131 @@
+#include "review/review_form.h"
+
+#include "platform/ado.h"
+#include "platform/end.h"
+#include "platform/msgbox.h"
+#include "register/register_form.h"
+#include "review/mismatch_marks.h"
+#include "review/review_sql.h"
+#include "session/connection.h"
+#include "session/session_values.h"
+
+namespace qivo {
+
+namespace {
+
+constexpr int kReviewCol = 7;
+
+qint32 currentRegistration(const platform::FlexGrid& grid) {
+    return grid.RowData(grid.Row());
+}
+
+}  // namespace
+
+void frmQivo账号审核::Form_Load() {
+    ClearAccountFields();
+    ClearOwnerFields();
+    prepareListGrid();
+    showUserName();
+    LoadPendingList();
+}
+
+void frmQivo账号审核::Form_Unload() {
+    platform::End();
+}
+
+void frmQivo账号审核::LoadPendingList() {
+    Picture1->setVisible(false);
+    fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
+        MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
+        MSFlexGrid1->setCol(kReviewCol);
+        MSFlexGrid1->setCellForeColor(kBlue);
+    });
+}
+
+void frmQivo账号审核::MSFlexGrid1_Click() {
+    if (MSFlexGrid1->Col() == MSFlexGrid1->Cols() - 2) {
+        MSFlexGrid1_DblClick();
+    }
+}
+
+void frmQivo账号审核::MSFlexGrid1_DblClick() {
+    if (MSFlexGrid1->Rows() == 1) {
+        return;
+    }
+    openPanel();
+    const int row = MSFlexGrid1->Row();
+    ShowAccountRow(row);
+    ShowOwner(MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1).toInt());
+    markMismatches();
+}
+
+void frmQivo账号审核::ShowAccountRow(qint32 row) {
+    copyAccountCells(row);
+}
+
+// Any failure reading the owner ends the fill quietly; boxes not reached keep their text.
+void frmQivo账号审核::ShowOwner(qint32 ownerId) {
+    ownerShown_ = false;
+    try {
+        platform::Recordset owner;
+        owner.Open(review_sql::ownerQuery(ownerId), Connection::cn());
+        if (owner.Eof()) {
+            ClearOwnerFields();
+            platform::MsgBox(QStringLiteral("数据错误"), platform::vbOKOnly);
+            return;
+        }
+        fillOwnerFields(owner);
+        ownerShown_ = true;
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+// Name, identity number and mobile as registered against the owner's record, when it was read.
+void frmQivo账号审核::markMismatches() {
+    const std::array<std::pair<int, int>, 3> compared{{{2, 0}, {3, 3}, {4, 2}}};
+    for (const auto& [account, owner] : compared) {
+        if (ownerShown_) {
+            review::markMismatch(Text1[account], Text2[owner]->text());
+        } else {
+            review::clearMismatch(Text1[account]);
+        }
+    }
+}
+
+void frmQivo账号审核::Command3_Click() {
+    if (platform::MsgBox(QStringLiteral("确认该Qivo账号审核通过？"), platform::vbYesNo) ==
+        platform::vbNo) {
+        return;
+    }
+    Connection::cn().Execute(review_sql::approveStatement(QDate::currentDate(), CurrentUserName,
+                                                          currentRegistration(*MSFlexGrid1)));
+    LoadPendingList();
+}
+
+void frmQivo账号审核::Command1_Click() {
+    if (platform::MsgBox(QStringLiteral("确认该Qivo账号审核不通过？"), platform::vbYesNo) ==
+        platform::vbNo) {
+        return;
+    }
+    Connection::cn().Execute(review_sql::rejectStatement(currentRegistration(*MSFlexGrid1)));
+    LoadPendingList();
+}
+
+void frmQivo账号审核::Command2_Click() {
+    Picture1->setVisible(false);
+}
+
+void frmQivo账号审核::Command4_Click() {
+    LoadPendingList();
+}
+
+void frmQivo账号审核::Command5_Click() {
+    platform::End();
+}
+
+void frmQivo账号审核::Command6_Click() {
+    registerForm().Show();
+}
+
+}  // namespace qivo

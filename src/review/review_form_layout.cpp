@@ -1,0 +1,82 @@
+#include <QStyle>
+
+#include "platform/error_path.h"
+#include "platform/screen_font.h"
+#include "platform/single_form.h"
+#include "review/review_form.h"
+
+namespace qivo {
+
+namespace {
+
+AccountScreenDesign reviewDesign() {
+    const QString listFormat = formatColumn('<', QStringLiteral("序"), 4) + '|' +
+                               formatColumn('<', QStringLiteral("项目名称"), 43) + '|' +
+                               formatColumn('<', QStringLiteral("地址"), 63) + '|' +
+                               formatColumn('<', QStringLiteral("Qivo号"), 38) + '|' +
+                               formatColumn('<', QStringLiteral("姓名"), 6) + '|' +
+                               formatColumn('<', QStringLiteral("身份证号"), 39) + '|' +
+                               formatColumn('<', QStringLiteral("手机号"), 23) + '|' +
+                               formatColumn('^', QStringLiteral("操作"), 1) + '|';
+    return {.gridMargin = 200,
+            .refreshGap = 800,
+            .exitMargin = 400,
+            .title = QStringLiteral("待审核Qivo账号"),
+            .listFormat = listFormat,
+            .panel = {0, 0, 11400, 6600},
+            .accountFields = {300, 1050},
+            .ownerFields = {5700, 1050}};
+}
+
+QPushButton* pictureButton(QStyle::StandardPixmap picture, const QString& tip, QWidget* parent) {
+    auto* button = new QPushButton(parent);
+    button->setIcon(parent->style()->standardIcon(picture));
+    button->setToolTip(tip);
+    return button;
+}
+
+}  // namespace
+
+frmQivo账号审核::frmQivo账号审核(QWidget* parent) : AccountScreen(reviewDesign(), parent) {
+    setWindowTitle(QStringLiteral("Qivo账号审核"));
+    setFont(platform::screenFont(font()));
+    platform::setTwipsGeometry(this, {0, 0, 15030, 9000});
+    buildButtons();
+    connectEvents();
+}
+
+void frmQivo账号审核::buildButtons() {
+    Command6 = new QPushButton(QStringLiteral("已审核Qivo账号"), this);
+    platform::setTwipsGeometry(Command6, {6300, 45, 1800, 375});
+    Command4 = pictureButton(QStyle::SP_BrowserReload, QStringLiteral("刷新"), this);
+    platform::setTwipsGeometry(Command4, {12600, 45, 555, 375});
+    Command5 = pictureButton(QStyle::SP_DialogCloseButton, QStringLiteral("退出"), this);
+    platform::setTwipsGeometry(Command5, {14100, 45, 555, 375});
+
+    addHeading(QStringLiteral("Qivo注册资料"), {300, 600, 4000, 360}, Picture1);
+    addHeading(QStringLiteral("业主资料"), {5700, 600, 4000, 360}, Picture1);
+    Command3 = new QPushButton(QStringLiteral("审核同意"), Picture1);
+    platform::setTwipsGeometry(Command3, {1400, 4200, 1470, 450});
+    Command1 = new QPushButton(QStringLiteral("审核不同意"), Picture1);
+    platform::setTwipsGeometry(Command1, {3100, 4200, 1470, 450});
+    Command2 = pictureButton(QStyle::SP_DialogCancelButton, QStringLiteral("关闭"), Picture1);
+    platform::setTwipsGeometry(Command2, {4800, 4200, 555, 450});
+}
+
+void frmQivo账号审核::connectEvents() {
+    using platform::onEvent;
+    onEvent(MSFlexGrid1, &platform::FlexGrid::Click, this, [this] { MSFlexGrid1_Click(); });
+    onEvent(MSFlexGrid1, &platform::FlexGrid::DblClick, this, [this] { MSFlexGrid1_DblClick(); });
+    onEvent(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
+    onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
+    onEvent(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
+    onEvent(Command4, &QPushButton::clicked, this, [this] { Command4_Click(); });
+    onEvent(Command5, &QPushButton::clicked, this, [this] { Command5_Click(); });
+    onEvent(Command6, &QPushButton::clicked, this, [this] { Command6_Click(); });
+}
+
+frmQivo账号审核& reviewForm() {
+    return platform::singleForm<frmQivo账号审核>();
+}
+
+}  // namespace qivo
