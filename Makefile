@@ -6,7 +6,7 @@ PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unix
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 
-.PHONY: deps build run test bench check-sanitize clean
+.PHONY: deps build run test bench screenshots check-sanitize clean
 
 deps:
 	@missing=""; for p in $(PACKAGES); do \
@@ -41,6 +41,10 @@ bench: build
 	@cmake --build $(BUILD) --target qivo-bench -j $(JOBS)
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
 	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen $(BUILD)/qivo-bench
+
+screenshots: build
+	@cmake --build $(BUILD) --target qivo-screenshots -j $(JOBS)
+	@QT_QPA_PLATFORM=offscreen $(BUILD)/qivo-screenshots docs/screenshots
 
 check-sanitize: deps
 	@cmake -S . -B $(BUILD)-sanitize -DCMAKE_BUILD_TYPE=Debug -DQIVO_SANITIZE=ON >/dev/null

@@ -1,0 +1,107 @@
+// qivo-screenshots DIR: signs in on a fresh demo database and saves the screens the README
+// shows as PNG files in DIR. Run it offscreen (QT_QPA_PLATFORM=offscreen).
+#include <QDir>
+#include <QPushButton>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <cstdio>
+
+#include "db/demo_data.h"
+#include "db/schema.h"
+#include "platform/error_path.h"
+#include "platform/msgbox.h"
+#include "platform/screen_font.h"
+#include "platform/settings.h"
+#include "register/register_form.h"
+#include "review/mismatch_marks.h"
+#include "review/review_form.h"
+#include "session/connection.h"
+#include "session/login_form.h"
+#include "session/main_screen.h"
+#include "session/session_values.h"
+
+using namespace qivo;
+
+namespace {
+
+void save(QWidget& screen, const QString& dir, const QString& name) {
+    QTest::qWait(50);
+    const QString path = QDir(dir).filePath(name);
+    if (!screen.grab().save(path)) {
+        std::fprintf(stderr, "qivo-screenshots: cannot write %s\n", qPrintable(path));
+        std::exit(1);
+    }
+    std::printf("%s\n", qPrintable(path));
+}
+
+void writeDemoDatabase(const QString& path) {
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.close();
+    platform::AdoConnection connection;
+    connection.ConnectionString = "Data Source='sqlite:" + path + "'";
+    connection.Open();
+    db::createEmbeddedSchema(connection);
+    db::writeDemoData(connection, 80);
+    const QString section = QStringLiteral("DBConfig");
+    platform::SaveSetting(QStringLiteral("Merivane"), section, "Svr", "sqlite:" + path);
+    platform::SaveSetting(QStringLiteral("Merivane"), section, "DBname", "qivo_demo");
+}
+
+// Opens list rows until `wanted` holds for the open panel.
+template <class Screen, class Wanted>
+void openFirstRow(Screen& screen, Wanted wanted) {
+    for (int row = 1; row < screen.MSFlexGrid1->Rows(); ++row) {
+        screen.MSFlexGrid1->setRow(row);
+        screen.MSFlexGrid1_DblClick();
+        if (wanted()) {
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QTemporaryDir config;
+    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
+    platform::Application app(argc, argv);
+    app.setFont(platform::screenFont(app.font()));
+    if (app.arguments().size() != 2) {
+        std::fprintf(stderr, "usage: qivo-screenshots DIR\n");
+        return 2;
+    }
+    const QString dir = app.arguments().at(1);
+    QDir().mkpath(dir);
+    writeDemoDatabase(config.filePath(QStringLiteral("demo.db")));
+    // Nobody is there to answer a message box: print it and say yes.
+    platform::setMsgBoxResponder([](const platform::MsgBoxRequest& request) {
+        std::fprintf(stderr, "qivo-screenshots: message: %s\n", qPrintable(request.prompt));
+        return platform::vbYes;
+    });
+
+    frmLogin login;
+    showMainScreen = [] {};
+    login.Show();
+    QTest::qWait(50);
+    QTest::keyClicks(login.TxtUser->editor(), QStringLiteral("1002"));
+    QTest::keyClicks(login.txtPassword->editor(), QStringLiteral("1002"));
+    QTest::mouseClick(login.cmdOK, Qt::LeftButton);
+    save(login, dir, QStringLiteral("login.png"));
+    login.Unload();
+
+    CurrentUserName = QStringLiteral("王丽");
+    frmQivo账号审核 review;
+    review.Show();
+    save(review, dir, QStringLiteral("review.png"));
+    openFirstRow(review, [&review] { return review::isMarkedMismatch(review.Text1[4]); });
+    save(review, dir, QStringLiteral("review_panel.png"));
+
+    frmQivo账号一览表 accounts;
+    accounts.Show();
+    save(accounts, dir, QStringLiteral("register.png"));
+    openFirstRow(accounts, [&accounts] { return accounts.MSFlexGrid2->Rows() > 2; });
+    save(accounts, dir, QStringLiteral("register_panel.png"));
+    return 0;
+}
