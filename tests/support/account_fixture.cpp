@@ -1,0 +1,31 @@
+#include "support/account_fixture.h"
+
+#include "support/test_support.h"
+
+namespace qivo::test {
+
+void writeEstates(FixtureDb& db) {
+    db.exec(QStringLiteral(
+        "insert into 设置管理处 (GYD_DH, GYD_Name) values ('A', '翠湖花园') "
+        "insert into 设置管理处 (GYD_DH, GYD_Name) values ('B', '白云小区') "
+        "insert into 楼表 (L_ID, 管理处, 地址1, 字1) values (1, 'A', '10', '栋') "
+        "insert into 楼表 (L_ID, 管理处, 地址1, 字1) values (2, 'A', '2', '栋') "
+        "insert into 楼表 (L_ID, 管理处, 地址1, 字1, 地址2, 字2) values (3, 'B', '1', '号楼', "
+        "'3', '单元') "
+        "insert into 楼表 (L_ID, 管理处, 地址1, 字1) values (4, 'Z', '9', '栋') "
+        "insert into 室表 (S_ID, L_ID, 室, 字) values (1, 1, '101', '室') "
+        "insert into 室表 (S_ID, L_ID, 室) values (2, 2, '1001') "
+        "insert into 室表 (S_ID, L_ID, 室, 字) values (3, 2, '201', '室') "
+        "insert into 室表 (S_ID, L_ID, 室, 字) values (4, 3, '5', '室') "
+        "insert into 室表 (S_ID, L_ID, 室, 字) values (5, 4, '1', '室') "
+        "insert into 业主表 (ZH_ID, S_ID, 姓名, 固定电话, 移动电话, 身份证, 购房日期, 收楼日期, "
+        "进户日期, 开始收费日期, 工作单位, 户籍所在地, 备注, 说明) values (1, 1, '王建国', "
+        "'0571-1', '13900000001', '330101', '2020-01-02', '2020-03-04', '2020-05-06', "
+        "'2020-07-08', '电机厂', '杭州', '老住户', '新进户') "
+        "insert into 业主表 (ZH_ID, S_ID, 姓名) values (2, 2, '李娜') "
+        "insert into 业主表 (ZH_ID, S_ID, 姓名, 说明) values (3, 3, '张伟', '') "
+        "insert into 业主表 (ZH_ID, S_ID, 姓名, 说明) values (4, 4, '赵六', '新进户 ') "
+        "insert into 业主表 (ZH_ID, S_ID, 姓名, 说明) values (5, 5, '孙七', '新进户')"));
+}
+
+}  // namespace qivo::test

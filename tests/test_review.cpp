@@ -1,0 +1,273 @@
+#include <QApplication>
+#include <memory>
+
+#include "platform/twips.h"
+#include "register/register_form.h"
+#include "review/mismatch_marks.h"
+#include "review/review_form.h"
+#include "review/review_sql.h"
+#include "session/session_values.h"
+#include "support/account_fixture.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+
+namespace {
+
+// Pending owner registrations 101-104 list in the order 104, 103, 102, 101. Absent: 105 (owner
+// in a building of no estate), 106 (no owner row), 107 (a member's), 108 (approved).
+const QString kRegistrations = QStringLiteral(
+    "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 身份证, 手机, 属性) values "
+    "(101, 1, 'qv101', '王建国', '330101', '13900000001', '业主'),"
+    "(102, 2, 'qv102', ' 李娜 ', '330102', null, '业主'),"
+    "(103, 3, 'qv103', '张伟', null, '13700000003', '业主'),"
+    "(104, 4, null, '赵六', '330104', '13600000004', '业主'),"
+    "(105, 5, 'qv105', '孙七', '330105', '13500000005', '业主'),"
+    "(106, 99, 'qv106', '无名', '330106', '13400000006', '业主'),"
+    "(107, 1, 'qv107', '王小明', '330107', '13300000007', '家属') "
+    "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 属性, 审核人, 审核日期) values "
+    "(108, 2, 'qv108', '李娜', '业主', '王丽', '2024-01-01')");
+
+QList<qint32> listedKeys(const platform::FlexGrid& grid) {
+    QList<qint32> keys;
+    for (int row = 1; row < grid.Rows(); ++row) {
+        keys << grid.RowData(row);
+    }
+    return keys;
+}
+
+}  // namespace
+
+class TestReview final : public QObject {
+    Q_OBJECT
+    std::unique_ptr<test::FixtureDb> db;
+    std::unique_ptr<test::MsgBoxRecorder> messages;
+    std::unique_ptr<frmQivo账号审核> form;
+
+    void clickCell(int row, int col, bool twice = false) {
+        const QPoint at = form->MSFlexGrid1->cellRect(row, col).center();
+        if (twice) {
+            QTest::mouseDClick(form->MSFlexGrid1->viewport(), Qt::LeftButton, {}, at);
+        } else {
+            QTest::mouseClick(form->MSFlexGrid1->viewport(), Qt::LeftButton, {}, at);
+        }
+    }
+    int pending() { return db->count("select count(*) from 业户互联网 where 审核人 is null"); }
+
+  private Q_SLOTS:
+    // Texts whose slips the database would not notice.
+    void sqlTexts() {
+        QCOMPARE(review_sql::approveStatement(QDate(2026, 3, 9), "王丽", 7),
+                 QString("Update 业户互联网 Set 审核日期 ='20260309', 审核人 = '王丽' Where "
+                         "HLWID = 7"));
+        QCOMPARE(review_sql::rejectStatement(7), QString("Delete 业户互联网 Where HLWID= 7"));
+        QCOMPARE(review_sql::ownerQuery(42), QString("Select * From 业主表 Where ZH_ID=42"));
+        QVERIFY(review_sql::pendingListQuery().startsWith(
+            "Select 业户互联网.*, GYD_Name As 项目, (case when B.[地址1]"));
+        QVERIFY(review_sql::pendingListQuery().contains(
+            "as DZ  From 业户互联网 Inner Join 业主表 D On 业户互联网.ZH_ID = D.ZH_ID Inner Join "
+            "室表 C On D.S_ID = C.S_ID Inner Join 楼表 B On C.L_ID = B.L_ID Inner Join 设置管理处 "
+            "A On A.GYD_DH = B.管理处 where 业户互联网.审核人 Is Null And 业户互联网.属性 = '业主' "
+            " "
+            "order by 项目,"));
+    }
+
+    void init() {
+        db = std::make_unique<test::FixtureDb>();
+        test::writeEstates(*db);
+        db->exec(kRegistrations);
+        messages = std::make_unique<test::MsgBoxRecorder>();
+        CurrentUserName = QStringLiteral("王丽");
+        form = std::make_unique<frmQivo账号审核>();
+        form->Show();
+        QVERIFY(QTest::qWaitForWindowExposed(form.get()));
+    }
+    void cleanup() {
+        form.reset();
+        messages.reset();
+        db.reset();
+    }
+
+    void listShowsPendingOwnersInAddressOrder() {
+        platform::FlexGrid& grid = *form->MSFlexGrid1;
+        QCOMPARE(listedKeys(grid), QList<qint32>({104, 103, 102, 101}));
+        QCOMPARE(grid.Cols(), 9);
+        QCOMPARE(grid.ColWidth(8), 0);
+        QCOMPARE(grid.ColAlignmentFixed(3), platform::flexAlignCenterCenter);
+        const QStringList first{"1",      "白云小区",    "1号楼3单元5室", "", "赵六",
+                                "330104", "13600000004", "审核",          "4"};
+        for (int col = 0; col < grid.Cols(); ++col) {
+            QCOMPARE(grid.TextMatrix(1, col), first[col]);
+        }
+        QCOMPARE(grid.TextMatrix(2, 2), QString("2栋201室"));
+        QCOMPARE(grid.TextMatrix(3, 2), QString("2栋1001"));
+        QCOMPARE(grid.TextMatrix(4, 2), QString("10栋101室"));
+        QCOMPARE(grid.TextMatrix(4, 0), QString("4"));
+        for (int row = 1; row < grid.Rows(); ++row) {
+            QCOMPARE(grid.cellForeColor(row, 7), quint32(0xFF0000));
+            QCOMPARE(grid.cellBackColor(row, 0), quint32(0));
+            for (int col = 1; col < grid.Cols(); ++col) {
+                QCOMPARE(grid.cellBackColor(row, col), row % 2 == 0 ? kBandColor : 0u);
+            }
+        }
+        QCOMPARE(form->StatusBar1->panelText(2), QString("王丽"));
+        QVERIFY(grid.isVisible());
+        QVERIFY(!form->Picture1->isVisible());
+    }
+
+    void panelShowsRegistrationBesideOwner() {
+        clickCell(4, 3);  // a click beside the 审核 cell opens nothing
+        QVERIFY(!form->Picture1->isVisible());
+        clickCell(4, 7);
+        QVERIFY(form->Picture1->isVisible());
+        const QStringList account{"qv101", "10栋101室", "王建国", "330101", "13900000001"};
+        const QStringList owner{"王建国",     "0571-1",     "13900000001", "330101",
+                                "2020-01-02", "2020-03-04", "2020-05-06",  "2020-07-08",
+                                "电机厂",     "杭州",       "老住户"};
+        for (int i = 0; i < 5; ++i) {
+            QCOMPARE(form->Text1[i]->text(), account[i]);
+            QVERIFY(!review::isMarkedMismatch(form->Text1[i]));
+        }
+        for (int i = 0; i < 11; ++i) {
+            QCOMPARE(form->Text2[i]->text(), owner[i]);
+        }
+
+        // Owner 2 has only a name: nothing of owner 1 stays; the blanks around the registered
+        // name are no mismatch, the identity number the office lacks is one.
+        clickCell(3, 1, true);
+        QCOMPARE(form->Text1[2]->text(), QString(" 李娜 "));
+        QCOMPARE(form->Text1[4]->text(), QString());
+        QCOMPARE(form->Text2[0]->text(), QString("李娜"));
+        for (int i = 1; i < 11; ++i) {
+            QCOMPARE(form->Text2[i]->text(), QString());
+        }
+        QVERIFY(!review::isMarkedMismatch(form->Text1[2]));
+        QVERIFY(review::isMarkedMismatch(form->Text1[3]));
+        QCOMPARE(form->Text1[3]->toolTip(), QString("业主资料："));
+        QVERIFY(!review::isMarkedMismatch(form->Text1[4]));
+
+        // The owner row went after the list was read.
+        db->exec("Delete 业主表 Where ZH_ID=3");
+        clickCell(2, 1, true);
+        QCOMPARE(messages->prompts(), QStringList({"数据错误"}));
+        QCOMPARE(messages->messages[0].style, platform::vbOKOnly);
+        QCOMPARE(form->Text1[2]->text(), QString("张伟"));
+        for (int i = 0; i < 11; ++i) {
+            QCOMPARE(form->Text2[i]->text(), QString());
+        }
+        QVERIFY(!review::isMarkedMismatch(form->Text1[4]));
+        QVERIFY(form->Picture1->isVisible());
+    }
+
+    void headerOnlyListOpensNothing() {
+        db->exec("Delete 业户互联网 Where HLWID < 200");
+        form->Command4_Click();
+        QCOMPARE(form->MSFlexGrid1->Rows(), 1);
+        form->MSFlexGrid1_DblClick();
+        QVERIFY(!form->Picture1->isVisible());
+        QVERIFY(messages->messages.isEmpty());
+    }
+
+    void approveStampsOnlyTheCurrentRow() {
+        clickCell(2, 7);  // registration 103
+        messages->answer(platform::vbNo);
+        form->Command3->click();
+        QCOMPARE(pending(), 7);
+        QVERIFY(form->Picture1->isVisible());
+
+        form->Command3->click();
+        QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核通过？"));
+        QCOMPARE(messages->messages.last().style, platform::vbYesNo);
+        QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 103").toString(),
+                 QString("王丽"));
+        QCOMPARE(db->scalar("select 审核日期 from 业户互联网 where HLWID = 103").toString(),
+                 QDate::currentDate().toString(Qt::ISODate));
+        QCOMPARE(pending(), 6);
+        QCOMPARE(listedKeys(*form->MSFlexGrid1), QList<qint32>({104, 102, 101}));
+        QCOMPARE(form->MSFlexGrid1->TextMatrix(3, 0), QString("3"));
+        QVERIFY(!form->Picture1->isVisible());
+
+        // A super-user session approves under an empty name: reviewed all the same.
+        CurrentUserName.clear();
+        form->MSFlexGrid1->setRow(1);
+        form->Command3_Click();
+        QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 104"), QVariant(""));
+        QCOMPARE(listedKeys(*form->MSFlexGrid1), QList<qint32>({102, 101}));
+    }
+
+    void rejectDeletesOnlyTheCurrentRow() {
+        form->MSFlexGrid1->setRow(3);  // registration 102
+        messages->answer(platform::vbNo);
+        form->Command1_Click();
+        QCOMPARE(db->count("select count(*) from 业户互联网"), 8);
+
+        form->Command1_Click();
+        QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核不通过？"));
+        QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID = 102"), 0);
+        QCOMPARE(db->count("select count(*) from 业户互联网"), 7);
+        QCOMPARE(listedKeys(*form->MSFlexGrid1), QList<qint32>({104, 103, 101}));
+    }
+
+    void reviewerNameWithQuoteFailsAndWritesNothing() {
+        CurrentUserName = QStringLiteral("O'Brien");
+        form->MSFlexGrid1->setRow(1);
+        form->Command3->click();
+        QCOMPARE(messages->messages.size(), 2);  // the question, then the error path
+        QCOMPARE(pending(), 7);
+        QCOMPARE(form->MSFlexGrid1->Rows(), 5);
+    }
+
+    void resizeFollowsReviewConstants() {
+        form->Picture1->setVisible(true);
+        form->resize(1200, 800);
+        QTest::qWait(1);
+        const int width = form->ScaleWidth();
+        const auto twips = [](QWidget* w) { return platform::pixelsToTwips(w->width()); };
+        QCOMPARE(form->MSFlexGrid1->width(), platform::twipsToPixels(width - 200));
+        QCOMPARE(form->Command5->x(), platform::twipsToPixels(width - twips(form->Command5) - 400));
+        QCOMPARE(form->Command4->x(), platform::twipsToPixels(width - twips(form->Command4) -
+                                                              twips(form->Command5) - 800));
+        const QRect grid = form->MSFlexGrid1->geometry();
+        const QRect panel = form->Picture1->geometry();
+        QVERIFY(qAbs(panel.center().x() - grid.center().x()) <= 1);
+        QVERIFY(qAbs(panel.center().y() - grid.center().y()) <= 1);
+        QCOMPARE(form->StatusBar1->geometry().bottom(), form->height() - 1);
+
+        const QRect before = form->MSFlexGrid1->geometry();
+        form->resize(8, 8);
+        QTest::qWait(1);
+        QCOMPARE(form->MSFlexGrid1->size(), before.size());
+        QVERIFY(messages->messages.isEmpty());
+        QVERIFY(form->Picture1->isVisible());
+    }
+
+    void closeImageShowsPressedThenClosesPanel() {
+        clickCell(1, 7);
+        QTest::mousePress(form->Image1, Qt::LeftButton);
+        QCOMPARE(form->Image1->BorderStyle(), 1);
+        QVERIFY(form->Picture1->isVisible());
+        QTest::mouseRelease(form->Image1, Qt::LeftButton);
+        QCOMPARE(form->Image1->BorderStyle(), 0);
+        QVERIFY(!form->Picture1->isVisible());
+        clickCell(1, 7);
+        form->Command2->click();
+        QVERIFY(!form->Picture1->isVisible());
+    }
+
+    void registerOpensInFrontAndClosingEndsTheProgram() {
+        test::EndRecorder ends;
+        form->Command6->click();
+        QVERIFY(registerForm().isVisible());
+        QCOMPARE(registerForm().MSFlexGrid1->Rows(), 2);  // approved 108
+        registerForm().Command5->click();
+        QVERIFY(!registerForm().isVisible());
+        QCOMPARE(ends.count, 0);
+        form->Command5->click();
+        QCOMPARE(ends.count, 1);
+        form->close();
+        QCOMPARE(ends.count, 2);
+    }
+};
+
+QIVO_TEST_MAIN(TestReview)
+#include "test_review.moc"
