@@ -1,8 +1,8 @@
 // qivo-screenshots DIR: signs in on a fresh demo database and saves the screens the README
 // shows as PNG files in DIR. Run it offscreen (QT_QPA_PLATFORM=offscreen).
 #include <QDir>
-#include <QPushButton>
 #include <QFile>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <cstdio>
