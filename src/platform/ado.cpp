@@ -10,6 +10,7 @@
 #include <QSqlRecord>
 
 #include "platform/engine.h"
+#include "platform/row_cursor.h"
 #include "platform/runtime_error.h"
 
 namespace qivo::platform {
@@ -127,29 +128,41 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
     updatable_ = cursor == adOpenKeyset && lock == adLockOptimistic;
     table_ = updatable_ ? tableOf(sql) : QString();
     adding_ = false;
-    query_ = std::make_unique<QSqlQuery>(db);
-    query_->setForwardOnly(true);
-    execOrThrow(*query_, statements.value(0));
-    const QSqlRecord record = query_->record();
-    names_.clear();
+    cursor_.reset();
+    cursor_ = connection.engine().select(db, statements.value(0));
+    names_ = cursor_->columnNames();
+    exactIndex_.clear();
     index_.clear();
-    for (int i = 0; i < record.count(); ++i) {
-        names_ << record.fieldName(i);
-        index_.insert(record.fieldName(i).toLower(), i);
+    for (int i = 0; i < names_.size(); ++i) {
+        exactIndex_.insert(names_[i], i);
+        index_.insert(names_[i].toLower(), i);
     }
     values_.assign(names_.size(), QVariant());
+    loaded_.assign(names_.size(), 1);
     dirty_.assign(names_.size(), false);
     fetchNext();
 }
 
+// A set being saved holds its whole record, so it can write it back after the read ends.
 void Recordset::fetchNext() {
-    eof_ = !query_->next();
+    eof_ = !cursor_ || !cursor_->next();
     if (eof_) {
         return;
     }
-    for (int i = 0; i < static_cast<int>(values_.size()); ++i) {
-        values_[i] = query_->value(i);
+    loaded_.assign(values_.size(), 0);
+    if (updatable_) {
+        for (int i = 0; i < static_cast<int>(values_.size()); ++i) {
+            valueAt(i);
+        }
     }
+}
+
+const QVariant& Recordset::valueAt(int index) const {
+    if (!loaded_[index]) {
+        values_[index] = cursor_->value(index);
+        loaded_[index] = 1;
+    }
+    return values_[index];
 }
 
 bool Recordset::Eof() const {
@@ -162,7 +175,7 @@ void Recordset::MoveNext() {
 }
 
 void Recordset::requireRecord() const {
-    if (!query_ || (eof_ && !adding_)) {
+    if (eof_ && !adding_) {
         throw RuntimeError(err::NoCurrentRecord,
                            QStringLiteral("BOF 或 EOF 中有一个是“真”，或者当前记录已被删除，"
                                           "所需的操作要求一个当前的记录。"));
@@ -170,6 +183,9 @@ void Recordset::requireRecord() const {
 }
 
 int Recordset::fieldIndex(const QString& name) const {
+    if (const auto exact = exactIndex_.constFind(name); exact != exactIndex_.constEnd()) {
+        return *exact;
+    }
     const int index = index_.value(name.toLower(), -1);
     if (index < 0) {
         throw RuntimeError(err::ItemNotFound,
@@ -180,7 +196,7 @@ int Recordset::fieldIndex(const QString& name) const {
 
 QVariant Recordset::Fields(const QString& name) const {
     requireRecord();
-    return values_[fieldIndex(name)];
+    return valueAt(fieldIndex(name));
 }
 
 QVariant Recordset::field(int index) const {
@@ -189,16 +205,17 @@ QVariant Recordset::field(int index) const {
         throw RuntimeError(err::ItemNotFound,
                            QStringLiteral("在对应所需名称或序数的集合中，未找到项目。"));
     }
-    return values_[index];
+    return valueAt(index);
 }
 
 void Recordset::AddNew() {
     if (!updatable_) {
         throw RuntimeError(err::ProviderError, QStringLiteral("当前记录集不支持更新。"));
     }
-    query_->finish();
+    cursor_.reset();
     adding_ = true;
     values_.assign(names_.size(), QVariant());
+    loaded_.assign(names_.size(), 1);
     dirty_.assign(names_.size(), false);
 }
 
@@ -217,7 +234,7 @@ void Recordset::Update() {
     if (!updatable_) {
         throw RuntimeError(err::ProviderError, QStringLiteral("当前记录集不支持更新。"));
     }
-    query_->finish();
+    cursor_.reset();
     const Engine& engine = connection_->engine();
     QSqlDatabase db = connection_->database();
     QStringList columns;
@@ -264,15 +281,16 @@ void Recordset::readBack(const QVariant& key) {
     for (const QString& name : names_) {
         columns << engine.quoteName(name);
     }
-    query_ = std::make_unique<QSqlQuery>(db);
-    query_->setForwardOnly(true);
-    query_->prepare(QStringLiteral("select %1 from %2 where %3 = ?")
-                        .arg(columns.join(u','), engine.quoteName(table_),
-                             engine.quoteName(engine.identityColumn(db, table_))));
-    query_->addBindValue(key);
-    if (!query_->exec()) {
-        throwSqlError(query_->lastError());
+    auto query = std::make_unique<QSqlQuery>(db);
+    query->setForwardOnly(true);
+    query->prepare(QStringLiteral("select %1 from %2 where %3 = ?")
+                       .arg(columns.join(u','), engine.quoteName(table_),
+                            engine.quoteName(engine.identityColumn(db, table_))));
+    query->addBindValue(key);
+    if (!query->exec()) {
+        throwSqlError(query->lastError());
     }
+    cursor_ = std::make_unique<QtRowCursor>(std::move(query));
     dirty_.assign(names_.size(), false);
     fetchNext();
 }

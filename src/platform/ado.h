@@ -13,6 +13,7 @@ class QSqlQuery;
 namespace qivo::platform {
 
 class Engine;
+class RowCursor;
 
 enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1 };
 enum LockType { adLockReadOnly = 1, adLockOptimistic = 3 };
@@ -82,10 +83,15 @@ class Recordset final {
     void readBack(const QVariant& key);
 
     AdoConnection* connection_ = nullptr;
-    std::unique_ptr<QSqlQuery> query_;
+    std::unique_ptr<RowCursor> cursor_;
     QStringList names_;
-    QHash<QString, int> index_;  // lower-case name -> column
-    std::vector<QVariant> values_;
+    const QVariant& valueAt(int index) const;
+
+    QHash<QString, int> exactIndex_;  // name as the database spells it -> column
+    QHash<QString, int> index_;       // lower-case name -> column
+    // A read-only set converts a column of the current record when it is first read.
+    mutable std::vector<QVariant> values_;
+    mutable std::vector<char> loaded_;
     std::vector<bool> dirty_;
     bool eof_ = true;
     bool updatable_ = false;

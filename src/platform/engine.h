@@ -11,6 +11,8 @@ class QSqlQuery;
 
 namespace qivo::platform {
 
+class RowCursor;
+
 // The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
 // with their single quotes removed.
 QMap<QString, QString> parseConnectionString(const QString& connectionString);
@@ -35,6 +37,8 @@ class Engine {
                                const QVariantList& values) const = 0;
 
     virtual QString quoteName(const QString& name) const = 0;
+    // Runs one query for reading its rows in order.
+    virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const;
 
     // Throws when the database can no longer be reached by this connection.
     virtual void checkReachable() const {}

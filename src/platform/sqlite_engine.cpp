@@ -9,6 +9,7 @@
 
 #include "platform/runtime_error.h"
 #include "platform/sql_text.h"
+#include "platform/sqlite_cursor.h"
 #include "platform/sqlite_functions.h"
 
 namespace qivo::platform {
@@ -40,6 +41,11 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
         throwSqlError(probe.lastError());
     }
     return db;
+}
+
+std::unique_ptr<RowCursor> SqliteEngine::select(QSqlDatabase& db, const QString& sql) const {
+    const QVariant handle = db.driver()->handle();
+    return std::make_unique<SqliteCursor>(*static_cast<sqlite3* const*>(handle.constData()), sql);
 }
 
 QStringList SqliteEngine::statements(const QString& sql) const {

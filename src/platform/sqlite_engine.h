@@ -18,6 +18,7 @@ class SqliteEngine final : public Engine {
                        const QVariantList& values) const override;
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;
+    std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
 
   private:
     QString path_;

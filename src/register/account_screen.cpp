@@ -237,6 +237,10 @@ void AccountScreen::fillList(
     const auto showAgain = qScopeGuard([this] { MSFlexGrid1->setVisible(true); });
     MSFlexGrid1->setRows(1);
     const int keyCol = MSFlexGrid1->Cols() - 1;
+    QStringList listColumns;
+    for (const char16_t* column : kListColumns) {
+        listColumns << QString::fromUtf16(column);
+    }
     while (!record.Eof()) {
         MSFlexGrid1->setRows(MSFlexGrid1->Rows() + 1);
         const int row = MSFlexGrid1->Rows() - 1;
@@ -245,10 +249,9 @@ void AccountScreen::fillList(
         MSFlexGrid1->setTextMatrix(row, keyCol,
                                    platform::fieldText(record.Fields(QStringLiteral("Zh_id"))));
         MSFlexGrid1->setTextMatrix(row, 0, QString::number(row));
-        for (std::size_t i = 0; i < kListColumns.size(); ++i) {
-            MSFlexGrid1->setTextMatrix(
-                row, static_cast<int>(i) + 1,
-                platform::fieldText(record.Fields(QString::fromUtf16(kListColumns[i]))));
+        for (qsizetype i = 0; i < listColumns.size(); ++i) {
+            MSFlexGrid1->setTextMatrix(row, static_cast<int>(i) + 1,
+                                       platform::fieldText(record.Fields(listColumns[i])));
         }
         finishRow(row, record);
         if (row % 2 == 0) {

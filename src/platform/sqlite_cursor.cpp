@@ -1,0 +1,71 @@
+#include "platform/sqlite_cursor.h"
+
+#include <sqlite3.h>
+
+#include <QSqlError>
+
+#include "platform/engine.h"
+#include "platform/runtime_error.h"
+
+namespace qivo::platform {
+
+SqliteCursor::SqliteCursor(sqlite3* handle, const QString& sql) : handle_(handle) {
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(handle_, text.constData(), static_cast<int>(text.size()), &statement_,
+                           nullptr) != SQLITE_OK) {
+        fail();
+    }
+    if (!statement_) {
+        throw RuntimeError(err::ProviderError, QStringLiteral("命令文本没有查询。"));
+    }
+}
+
+SqliteCursor::~SqliteCursor() {
+    sqlite3_finalize(statement_);
+}
+
+QStringList SqliteCursor::columnNames() const {
+    QStringList names;
+    for (int i = 0; i < sqlite3_column_count(statement_); ++i) {
+        names << QString::fromUtf8(sqlite3_column_name(statement_, i));
+    }
+    return names;
+}
+
+bool SqliteCursor::next() {
+    switch (sqlite3_step(statement_)) {
+        case SQLITE_ROW:
+            return true;
+        case SQLITE_DONE:
+            return false;
+        default:
+            fail();
+    }
+}
+
+QVariant SqliteCursor::value(int column) const {
+    switch (sqlite3_column_type(statement_, column)) {
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_INTEGER:
+            return QVariant(static_cast<qlonglong>(sqlite3_column_int64(statement_, column)));
+        case SQLITE_FLOAT:
+            return QVariant(sqlite3_column_double(statement_, column));
+        case SQLITE_BLOB:
+            return QByteArray(static_cast<const char*>(sqlite3_column_blob(statement_, column)),
+                              sqlite3_column_bytes(statement_, column));
+        default:
+            return QString::fromUtf8(
+                reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)),
+                sqlite3_column_bytes(statement_, column));
+    }
+}
+
+void SqliteCursor::fail() const {
+    const int code = sqlite3_extended_errcode(handle_);
+    throwSqlError(QSqlError(QStringLiteral("无法执行查询"),
+                            QString::fromUtf8(sqlite3_errmsg(handle_)), QSqlError::StatementError,
+                            QString::number(code)));
+}
+
+}  // namespace qivo::platform
