@@ -1,0 +1,148 @@
+// make bench: both account lists against the sqlite3 floor, row opening, approval with reload,
+// start-up and peak memory, each the median of repeated runs on demo databases of growing size.
+#include <sqlite3.h>
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <cstdio>
+
+#include "bench_util.h"
+#include "platform/ado.h"
+#include "platform/engine.h"
+#include "platform/error_path.h"
+#include "platform/msgbox.h"
+#include "platform/sqlite_functions.h"
+#include "register/register_form.h"
+#include "register/register_sql.h"
+#include "review/review_form.h"
+#include "review/review_sql.h"
+#include "session/connection.h"
+#include "session/session_values.h"
+
+using namespace qivo;
+
+namespace {
+
+QString tool(const QString& name) {
+    return QDir(QCoreApplication::applicationDirPath()).filePath(name);
+}
+
+// Writes a demo database with the program's own tool and opens it as the shared connection.
+QString openDemo(const QTemporaryDir& dir, int n) {
+    const QString path = dir.filePath(QStringLiteral("demo-%1.db").arg(n));
+    if (QProcess::execute(tool("qivo-demo-db"),
+                          {"--rows", QString::number(n), "--out", path, "--no-settings"}) != 0) {
+        std::fprintf(stderr, "qivo-bench: qivo-demo-db failed\n");
+        std::exit(1);
+    }
+    QString user, password, catalog, source = "sqlite:" + path;
+    Connection::OpenConnection(user, password, catalog, source);
+    return path;
+}
+
+// The floor: the same text through the sqlite3 C API with the same functions and collation,
+// every column fetched as text.
+int rawFetch(const QString& path, const QString& sql) {
+    const QString translated = Connection::cn().engine().statements(sql).front();
+    sqlite3* handle = nullptr;
+    sqlite3_open_v2(path.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
+    platform::registerSqliteFunctions(handle);
+    sqlite3_stmt* statement = nullptr;
+    const QByteArray text = translated.toUtf8();
+    sqlite3_prepare_v2(handle, text.constData(), static_cast<int>(text.size()), &statement,
+                       nullptr);
+    int rows = 0;
+    const int columns = sqlite3_column_count(statement);
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+        for (int c = 0; c < columns; ++c) {
+            sqlite3_column_text(statement, c);
+        }
+        ++rows;
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(handle);
+    return rows;
+}
+
+void compareWithFloor(const QString& what, const QString& path, int n, const QString& sql,
+                      const std::function<void()>& load, int listedRows) {
+    int rows = 0;
+    const double floor = bench::medianMs(5, [&] { rows = rawFetch(path, sql); });
+    const double ours = bench::medianMs(5, load);
+    const QString count = QString::number(n);
+    bench::printRow(what + ": sqlite3 C API floor", count, floor,
+                    QStringLiteral("%1 rows").arg(rows));
+    bench::printRow(
+        what + ": query + fill + shown", count, ours,
+        QStringLiteral("ratio %1, %2 rows").arg(ours / floor, 0, 'f', 2).arg(listedRows));
+}
+
+template <class Screen>
+void benchOpening(const QString& what, Screen& screen) {
+    const int rows = screen.MSFlexGrid1->Rows() - 1;
+    int next = 0;
+    const double ms = bench::medianMs(9, [&] {
+        screen.MSFlexGrid1->setRow(1 + (next++ * 7919) % rows);
+        screen.MSFlexGrid1_DblClick();
+    });
+    bench::printRow(what, QString::number(rows), ms, QStringLiteral("listed rows"));
+}
+
+void benchApproval(frmQivo账号审核& review) {
+    const int pending = review.MSFlexGrid1->Rows() - 1;
+    const double ms = bench::medianMs(5, [&] {
+        review.MSFlexGrid1->setRow(review.MSFlexGrid1->Rows() / 2);
+        review.Command3_Click();
+    });
+    bench::printRow("approve + pending list reload", QString::number(pending), ms,
+                    QStringLiteral("pending rows"));
+}
+
+void benchStartUp() {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QIVO_QUIT_WHEN_SHOWN", "1");
+    const double ms = bench::medianMs(5, [&] {
+        QProcess program;
+        program.setProcessEnvironment(environment);
+        program.start(tool("qivo-review"), {});
+        program.waitForFinished(30000);
+    });
+    bench::printRow("process start to sign-in window shown", "", ms);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    platform::Application app(argc, argv);
+    platform::setMsgBoxResponder([](const platform::MsgBoxRequest&) { return platform::vbYes; });
+    CurrentUserName = QStringLiteral("王丽");
+    QTemporaryDir dir;
+    std::printf("| %-44s | %7s | %10s | %-30s |\n", "what", "N", "median ms", "note");
+    std::printf("|%s|%s|%s|%s|\n", "----------------------------------------------", "---------",
+                "------------", "--------------------------------");
+    for (int n : {1000, 10000, 100000}) {
+        const QString path = openDemo(dir, n);
+        frmQivo账号一览表 accounts;
+        accounts.Show();
+        frmQivo账号审核 review;
+        review.Show();
+        compareWithFloor(
+            "LoadApprovedList", path, n, register_sql::approvedListQuery(),
+            [&] { accounts.LoadApprovedList(); }, accounts.MSFlexGrid1->Rows() - 1);
+        if (n == 100000) {
+            bench::printRow("peak resident memory (MiB) after that list", "",
+                            bench::peakResidentMiB());
+        }
+        compareWithFloor(
+            "LoadPendingList", path, n, review_sql::pendingListQuery(),
+            [&] { review.LoadPendingList(); }, review.MSFlexGrid1->Rows() - 1);
+        if (n == 100000) {
+            benchOpening("open a row: approved-account register", accounts);
+            benchOpening("open a row: review screen", review);
+            benchApproval(review);
+        }
+    }
+    benchStartUp();
+    return 0;
+}
