@@ -194,6 +194,29 @@ class EngineTest final : public QObject {
         }
     }
 
+    // Read sets convert a column when it is first asked for, and remember names between rows;
+    // neither may hand back another column or a stale row.
+    void readSetFieldsByNameAcrossRows() {
+        test::FixtureDb db;
+        db.exec(
+            "insert into 业主表 (ZH_ID, 姓名, 短信, 说明) values (1, '甲', 1, null), "
+            "(2, '乙', 0, '新进户')");
+        Recordset rs;
+        rs.Open("Select ZH_ID, 姓名, 短信, 说明 From 业主表 Order By ZH_ID", Connection::cn());
+        QStringList seen;
+        for (; !rs.Eof(); rs.MoveNext()) {
+            const QString name = QStringLiteral("说明");
+            seen << platform::fieldText(rs.Fields(name))
+                 << rs.Fields(QString("姓") + "名").toString() << rs.Fields("zh_id").toString()
+                 << QString::number(rs.Fields("短信").toInt());
+        }
+        QCOMPARE(seen, QStringList({"", "甲", "1", "1", "新进户", "乙", "2", "0"}));
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, rs.Fields("姓名"));
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError,
+                                 rs.Open("Select nosuch From 业主表", Connection::cn()));
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, rs.Fields(""));
+    }
+
     void keysetInsertAndUpdate() {
         test::FixtureDb db;
         Recordset rs;

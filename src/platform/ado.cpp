@@ -131,6 +131,7 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
     cursor_.reset();
     cursor_ = connection.engine().select(db, statements.value(0));
     names_ = cursor_->columnNames();
+    recent_.fill({});
     exactIndex_.clear();
     index_.clear();
     for (int i = 0; i < names_.size(); ++i) {
@@ -183,6 +184,20 @@ void Recordset::requireRecord() const {
 }
 
 int Recordset::fieldIndex(const QString& name) const {
+    // A list fill asks for the same few names on every row, through the same strings. The entry
+    // holds its string, so a matching address is that very text.
+    RecentName& recent =
+        recent_[(reinterpret_cast<quintptr>(name.constData()) >> 4) % recent_.size()];
+    if (recent.index >= 0 && recent.name.constData() == name.constData() &&
+        recent.name.size() == name.size()) {
+        return recent.index;
+    }
+    const int index = lookUpField(name);
+    recent = {name, index};
+    return index;
+}
+
+int Recordset::lookUpField(const QString& name) const {
     if (const auto exact = exactIndex_.constFind(name); exact != exactIndex_.constEnd()) {
         return *exact;
     }

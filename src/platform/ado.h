@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -78,6 +79,7 @@ class Recordset final {
 
   private:
     int fieldIndex(const QString& name) const;
+    int lookUpField(const QString& name) const;
     void fetchNext();
     void requireRecord() const;
     void readBack(const QVariant& key);
@@ -89,6 +91,11 @@ class Recordset final {
 
     QHash<QString, int> exactIndex_;  // name as the database spells it -> column
     QHash<QString, int> index_;       // lower-case name -> column
+    struct RecentName {
+        QString name;
+        int index = -1;
+    };
+    mutable std::array<RecentName, 16> recent_{};
     // A read-only set converts a column of the current record when it is first read.
     mutable std::vector<QVariant> values_;
     mutable std::vector<char> loaded_;
