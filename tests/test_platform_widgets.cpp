@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -162,6 +163,9 @@ class TestPlatformWidgets final : public QObject {
         QCOMPARE(model->headerData(7, Qt::Horizontal).toString(), QStringLiteral("操作"));
         QVERIFY(grid.isColumnHidden(8));
         QVERIFY(grid.verticalHeader()->isHidden());
+        // The fill left the last row current; the list still opens at its top.
+        QCOMPARE(grid.Row(), 2000);
+        QCOMPARE(grid.verticalScrollBar()->value(), 0);
 
         // Visible again: a row written now reaches the view at once.
         appendRows(grid, 1);

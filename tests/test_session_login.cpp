@@ -1,5 +1,6 @@
 // Signing in as staff do: typed credentials, post choice, the built-in user and a session
 // handed over on the command line.
+#include <QApplication>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -121,6 +122,22 @@ class LoginTest final : public QObject {
         QCOMPARE(CurrentPostName, QString("客服主管"));
         QCOMPARE(CurrentPostCategoryName, QString("管理岗"));
         QCOMPARE(CurrentDeptCategoryId, QString("C1"));
+    }
+
+    // Enter after the user, Enter after the password, Enter on 登录: signed in by keyboard alone.
+    void keyboardOnlySignIn() {
+        test::FixtureDb db;
+        seedStaff(db);
+        SignIn signIn;
+        QVERIFY(QTest::qWaitForWindowActive(&signIn.form));
+        signIn.form.TxtUser->editor()->setFocus();
+        QTest::keyClicks(QApplication::focusWidget(), "1001");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTest::keyClicks(QApplication::focusWidget(), "pw");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(QApplication::focusWidget(), signIn.form.cmdOK);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(signIn.mainScreens, 1);
     }
 
     void twoPostsAreChosenByDoubleClick() {

@@ -281,7 +281,11 @@ void FlexGrid::updateSelection() {
     }
     const int first = std::min(col_, colSel_);
     const int last = std::max(col_, colSel_);
+    // Row and Col set from code leave the list where it is; only the user's own moves scroll it.
+    const bool scrolls = hasAutoScroll();
+    setAutoScroll(false);
     selection->setCurrentIndex(model_->index(row_ - 1, col_), QItemSelectionModel::NoUpdate);
+    setAutoScroll(scrolls);
     selection->select(QItemSelection(model_->index(row_ - 1, first), model_->index(row_ - 1, last)),
                       QItemSelectionModel::ClearAndSelect);
 }

@@ -27,6 +27,9 @@ void frmLogin::buildControls() {
     cmdCancel = new QPushButton(style()->standardIcon(QStyle::SP_DialogCancelButton),
                                 QStringLiteral("退出"), this);
     cmdCancel->setToolTip(QStringLiteral("退出"));
+    // Enter moves from the password to 登录, and Enter there signs in.
+    cmdOK->setAutoDefault(true);
+    cmdCancel->setAutoDefault(true);
     Label2 = new QLabel(QStringLiteral("请您选择要登录的岗位"), this);
     List1 = new QListWidget(this);
     Label1 = new QLabel(this);
