@@ -1,9 +1,9 @@
 #include <QDir>
 #include <QFile>
 #include <QHeaderView>
-#include <QScrollBar>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <functional>

@@ -6,6 +6,7 @@
 #include "register/register_sql.h"
 #include "session/session_values.h"
 #include "support/account_fixture.h"
+#include "support/grid_actions.h"
 #include "support/test_support.h"
 
 using namespace qivo;
@@ -28,14 +29,6 @@ const QString kAccounts = QStringLiteral(
     "(212, 1, 'qv212', '张三', '330112', '13311111112', '租户', null, null),"
     "(213, 1, null, '王五', '330113', '13311111113', '家属', '王丽', '2024-02-02')");
 
-QList<qint32> rowKeys(const platform::FlexGrid& grid) {
-    QList<qint32> keys;
-    for (int row = 1; row < grid.Rows(); ++row) {
-        keys << grid.RowData(row);
-    }
-    return keys;
-}
-
 }  // namespace
 
 class TestRegister final : public QObject {
@@ -44,14 +37,6 @@ class TestRegister final : public QObject {
     std::unique_ptr<test::MsgBoxRecorder> messages;
     std::unique_ptr<frmQivo账号一览表> form;
 
-    void clickCell(int row, int col, bool twice = false) {
-        const QPoint at = form->MSFlexGrid1->cellRect(row, col).center();
-        if (twice) {
-            QTest::mouseDClick(form->MSFlexGrid1->viewport(), Qt::LeftButton, {}, at);
-        } else {
-            QTest::mouseClick(form->MSFlexGrid1->viewport(), Qt::LeftButton, {}, at);
-        }
-    }
     int accounts() { return db->count("select count(*) from 业户互联网"); }
 
   private Q_SLOTS:
@@ -89,7 +74,7 @@ class TestRegister final : public QObject {
 
     void listShowsApprovedOwnersWithHouseholdState() {
         platform::FlexGrid& grid = *form->MSFlexGrid1;
-        QCOMPARE(rowKeys(grid), QList<qint32>({204, 203, 202, 201}));
+        QCOMPARE(test::rowKeys(grid), QList<qint32>({204, 203, 202, 201}));
         QCOMPARE(grid.Cols(), 10);
         QCOMPARE(grid.ColWidth(9), 0);
         QCOMPARE(form->MSFlexGrid2->Rows(), 1);
@@ -116,12 +101,12 @@ class TestRegister final : public QObject {
     }
 
     void openingShowsOwnerAndMemberAccounts() {
-        clickCell(2, 3);  // any column but 8 only selects the row
+        test::clickCell(*form->MSFlexGrid1, 2, 3);  // any column but 8 only selects the row
         QVERIFY(!form->Picture1->isVisible());
         QCOMPARE(form->MSFlexGrid1->Col(), 0);
         QCOMPARE(form->MSFlexGrid1->ColSel(), 9);
 
-        clickCell(4, 8);
+        test::clickCell(*form->MSFlexGrid1, 4, 8);
         QVERIFY(form->Picture1->isVisible());
         const QStringList account{"qv201", "10栋101室", "王建国", "330101", "13900000001"};
         for (int i = 0; i < 5; ++i) {
@@ -130,14 +115,15 @@ class TestRegister final : public QObject {
         QCOMPARE(form->Text2[7]->text(), QString("2020-07-08"));
         QCOMPARE(form->Text2[10]->text(), QString("老住户"));
         platform::FlexGrid& members = *form->MSFlexGrid2;
-        QCOMPARE(rowKeys(members), QList<qint32>({211, 213, 212}));  // by name, pending included
+        QCOMPARE(test::rowKeys(members),
+                 QList<qint32>({211, 213, 212}));  // by name, pending included
         QCOMPARE(members.TextMatrix(2, 0), QString("2"));
         QCOMPARE(members.TextMatrix(2, 1), QString());
         QCOMPARE(members.TextMatrix(2, 2), QString("王五"));
         QCOMPARE(members.TextMatrix(3, 4), QString("13311111112"));
 
         // A second opening replaces every box and the member list.
-        clickCell(3, 1, true);
+        test::doubleClickCell(*form->MSFlexGrid1, 3, 1);
         QCOMPARE(form->Text1[0]->text(), QString("qv202"));
         QCOMPARE(form->Text1[4]->text(), QString());
         QCOMPARE(form->Text2[0]->text(), QString("李娜"));
@@ -157,7 +143,7 @@ class TestRegister final : public QObject {
     }
 
     void terminationAsksThenDeletesOwnerAndMembers() {
-        clickCell(4, 8);  // household 1, three member accounts
+        test::clickCell(*form->MSFlexGrid1, 4, 8);  // household 1, three member accounts
         messages->answer(platform::vbNo);
         form->Command1->click();
         messages->answer(platform::vbYes);
@@ -173,12 +159,12 @@ class TestRegister final : public QObject {
         QCOMPARE(accounts(), 5);
         QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID in (201, 211, 212, 213)"),
                  0);
-        QCOMPARE(rowKeys(*form->MSFlexGrid1), QList<qint32>({204, 203, 202}));
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({204, 203, 202}));
         QVERIFY(!form->Picture1->isVisible());
 
         // Household 2 has no member accounts: one question, one delete.
         messages->messages.clear();
-        clickCell(3, 8);
+        test::clickCell(*form->MSFlexGrid1, 3, 8);
         form->Command1->click();
         QCOMPARE(messages->prompts(), QStringList({"确认要终止这个Qivo账号"}));
         QCOMPARE(accounts(), 4);
@@ -188,7 +174,7 @@ class TestRegister final : public QObject {
         db->exec(
             "create trigger keep_213 before delete on 业户互联网 when old.HLWID = 213 "
             "begin select raise(abort, 'account 213 is locked'); end");
-        clickCell(4, 8);
+        test::clickCell(*form->MSFlexGrid1, 4, 8);
         form->Command1->click();
         QCOMPARE(messages->messages.size(), 3);  // two questions, then the error path
         QCOMPARE(accounts(), 9);
@@ -215,17 +201,17 @@ class TestRegister final : public QObject {
     }
 
     void panelClosesByButtonImageAndRefresh() {
-        clickCell(1, 8);
+        test::clickCell(*form->MSFlexGrid1, 1, 8);
         form->Command2->click();
         QVERIFY(!form->Picture1->isVisible());
-        clickCell(1, 8);
+        test::clickCell(*form->MSFlexGrid1, 1, 8);
         QTest::mouseClick(form->Image1, Qt::LeftButton);
         QVERIFY(!form->Picture1->isVisible());
-        clickCell(1, 8);
+        test::clickCell(*form->MSFlexGrid1, 1, 8);
         db->exec("Delete 业户互联网 Where HLWID = 204");
         form->Command4->click();
         QVERIFY(!form->Picture1->isVisible());
-        QCOMPARE(rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202, 201}));
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202, 201}));
     }
 };
 

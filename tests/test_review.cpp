@@ -8,6 +8,7 @@
 #include "review/review_sql.h"
 #include "session/session_values.h"
 #include "support/account_fixture.h"
+#include "support/grid_actions.h"
 #include "support/test_support.h"
 
 using namespace qivo;
@@ -28,14 +29,6 @@ const QString kRegistrations = QStringLiteral(
     "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 属性, 审核人, 审核日期) values "
     "(108, 2, 'qv108', '李娜', '业主', '王丽', '2024-01-01')");
 
-QList<qint32> listedKeys(const platform::FlexGrid& grid) {
-    QList<qint32> keys;
-    for (int row = 1; row < grid.Rows(); ++row) {
-        keys << grid.RowData(row);
-    }
-    return keys;
-}
-
 }  // namespace
 
 class TestReview final : public QObject {
@@ -44,14 +37,6 @@ class TestReview final : public QObject {
     std::unique_ptr<test::MsgBoxRecorder> messages;
     std::unique_ptr<frmQivo账号审核> form;
 
-    void clickCell(int row, int col, bool twice = false) {
-        const QPoint at = form->MSFlexGrid1->cellRect(row, col).center();
-        if (twice) {
-            QTest::mouseDClick(form->MSFlexGrid1->viewport(), Qt::LeftButton, {}, at);
-        } else {
-            QTest::mouseClick(form->MSFlexGrid1->viewport(), Qt::LeftButton, {}, at);
-        }
-    }
     int pending() { return db->count("select count(*) from 业户互联网 where 审核人 is null"); }
 
   private Q_SLOTS:
@@ -90,7 +75,7 @@ class TestReview final : public QObject {
 
     void listShowsPendingOwnersInAddressOrder() {
         platform::FlexGrid& grid = *form->MSFlexGrid1;
-        QCOMPARE(listedKeys(grid), QList<qint32>({104, 103, 102, 101}));
+        QCOMPARE(test::rowKeys(grid), QList<qint32>({104, 103, 102, 101}));
         QCOMPARE(grid.Cols(), 9);
         QCOMPARE(grid.ColWidth(8), 0);
         QCOMPARE(grid.ColAlignmentFixed(3), platform::flexAlignCenterCenter);
@@ -116,9 +101,9 @@ class TestReview final : public QObject {
     }
 
     void panelShowsRegistrationBesideOwner() {
-        clickCell(4, 3);  // a click beside the 审核 cell opens nothing
+        test::clickCell(*form->MSFlexGrid1, 4, 3);  // a click beside the 审核 cell opens nothing
         QVERIFY(!form->Picture1->isVisible());
-        clickCell(4, 7);
+        test::clickCell(*form->MSFlexGrid1, 4, 7);
         QVERIFY(form->Picture1->isVisible());
         const QStringList account{"qv101", "10栋101室", "王建国", "330101", "13900000001"};
         const QStringList owner{"王建国",     "0571-1",     "13900000001", "330101",
@@ -134,7 +119,7 @@ class TestReview final : public QObject {
 
         // Owner 2 has only a name: nothing of owner 1 stays; the blanks around the registered
         // name are no mismatch, the identity number the office lacks is one.
-        clickCell(3, 1, true);
+        test::doubleClickCell(*form->MSFlexGrid1, 3, 1);
         QCOMPARE(form->Text1[2]->text(), QString(" 李娜 "));
         QCOMPARE(form->Text1[4]->text(), QString());
         QCOMPARE(form->Text2[0]->text(), QString("李娜"));
@@ -148,7 +133,7 @@ class TestReview final : public QObject {
 
         // The owner row went after the list was read.
         db->exec("Delete 业主表 Where ZH_ID=3");
-        clickCell(2, 1, true);
+        test::doubleClickCell(*form->MSFlexGrid1, 2, 1);
         QCOMPARE(messages->prompts(), QStringList({"数据错误"}));
         QCOMPARE(messages->messages[0].style, platform::vbOKOnly);
         QCOMPARE(form->Text1[2]->text(), QString("张伟"));
@@ -169,7 +154,7 @@ class TestReview final : public QObject {
     }
 
     void approveStampsOnlyTheCurrentRow() {
-        clickCell(2, 7);  // registration 103
+        test::clickCell(*form->MSFlexGrid1, 2, 7);  // registration 103
         messages->answer(platform::vbNo);
         form->Command3->click();
         QCOMPARE(pending(), 7);
@@ -183,7 +168,7 @@ class TestReview final : public QObject {
         QCOMPARE(db->scalar("select 审核日期 from 业户互联网 where HLWID = 103").toString(),
                  QDate::currentDate().toString(Qt::ISODate));
         QCOMPARE(pending(), 6);
-        QCOMPARE(listedKeys(*form->MSFlexGrid1), QList<qint32>({104, 102, 101}));
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 102, 101}));
         QCOMPARE(form->MSFlexGrid1->TextMatrix(3, 0), QString("3"));
         QVERIFY(!form->Picture1->isVisible());
 
@@ -192,7 +177,7 @@ class TestReview final : public QObject {
         form->MSFlexGrid1->setRow(1);
         form->Command3_Click();
         QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 104"), QVariant(""));
-        QCOMPARE(listedKeys(*form->MSFlexGrid1), QList<qint32>({102, 101}));
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({102, 101}));
     }
 
     void rejectDeletesOnlyTheCurrentRow() {
@@ -205,7 +190,7 @@ class TestReview final : public QObject {
         QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核不通过？"));
         QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID = 102"), 0);
         QCOMPARE(db->count("select count(*) from 业户互联网"), 7);
-        QCOMPARE(listedKeys(*form->MSFlexGrid1), QList<qint32>({104, 103, 101}));
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 103, 101}));
     }
 
     void reviewerNameWithQuoteFailsAndWritesNothing() {
@@ -242,14 +227,14 @@ class TestReview final : public QObject {
     }
 
     void closeImageShowsPressedThenClosesPanel() {
-        clickCell(1, 7);
+        test::clickCell(*form->MSFlexGrid1, 1, 7);
         QTest::mousePress(form->Image1, Qt::LeftButton);
         QCOMPARE(form->Image1->BorderStyle(), 1);
         QVERIFY(form->Picture1->isVisible());
         QTest::mouseRelease(form->Image1, Qt::LeftButton);
         QCOMPARE(form->Image1->BorderStyle(), 0);
         QVERIFY(!form->Picture1->isVisible());
-        clickCell(1, 7);
+        test::clickCell(*form->MSFlexGrid1, 1, 7);
         form->Command2->click();
         QVERIFY(!form->Picture1->isVisible());
     }

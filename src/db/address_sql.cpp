@@ -16,6 +16,13 @@ QString DZ() {
         " (case when C.[字] is not null then C.[字] else '' end) as DZ ");
 }
 
+QString RegistrationJoins() {
+    return QStringLiteral(" From 业户互联网 Inner Join 业主表 D On 业户互联网.ZH_ID = D.ZH_ID") +
+           QStringLiteral(" Inner Join 室表 C On D.S_ID = C.S_ID") +
+           QStringLiteral(" Inner Join 楼表 B On C.L_ID = B.L_ID") +
+           QStringLiteral(" Inner Join 设置管理处 A On A.GYD_DH = B.管理处");
+}
+
 QString AddressOrder() {
     return QStringLiteral(
         " order by 项目, len(地址1), 地址1, len(地址2), 地址2, len(地址3), 地址3, len(地址4), "

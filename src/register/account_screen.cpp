@@ -18,19 +18,9 @@ constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
 
-struct FieldLabel {
-    int box;
-    const char16_t* label;
-};
-
-// The registration's boxes in design order.
-constexpr std::array<FieldLabel, 5> kAccountLabels{{
-    {0, u"Qivo号"},
-    {1, u"地   址"},
-    {2, u"姓   名"},
-    {3, u"身份证"},
-    {4, u"移动电话"},
-}};
+// Labels of the registration's boxes Text1(0..4).
+constexpr std::array<const char16_t*, 5> kAccountLabels{u"Qivo号", u"地   址", u"姓   名",
+                                                        u"身份证", u"移动电话"};
 
 // The owner's boxes and their 业主表 columns, in design order.
 struct OwnerField {
@@ -59,6 +49,16 @@ constexpr std::array<const char16_t*, 6> kListColumns{u"项目", u"dz",     u"Qi
                                                       u"姓名", u"身份证", u"手机"};
 
 }  // namespace
+
+QString accountListColumns() {
+    return formatColumn('<', QStringLiteral("序"), 4) + '|' +
+           formatColumn('<', QStringLiteral("项目名称"), 43) + '|' +
+           formatColumn('<', QStringLiteral("地址"), 63) + '|' +
+           formatColumn('<', QStringLiteral("Qivo号"), 38) + '|' +
+           formatColumn('<', QStringLiteral("姓名"), 6) + '|' +
+           formatColumn('<', QStringLiteral("身份证号"), 39) + '|' +
+           formatColumn('<', QStringLiteral("手机号"), 23) + '|';
+}
 
 AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     : platform::Form(parent), design_(design) {
@@ -111,34 +111,29 @@ void AccountScreen::buildPanel() {
 }
 
 void AccountScreen::buildAccountFields(QPoint origin) {
-    const int labelWidth = 1000;
-    const int boxWidth = 3600;
-    for (std::size_t i = 0; i < kAccountLabels.size(); ++i) {
-        const int top = origin.y() + static_cast<int>(i) * kRowStep;
-        const FieldLabel& field = kAccountLabels[i];
-        addLabel(QString::fromUtf16(field.label), {origin.x(), top, labelWidth, kBoxHeight},
-                 Picture1);
-        auto* box = new platform::TextBox(Picture1);
-        box->setReadOnly(true);
-        platform::setTwipsGeometry(
-            box, {origin.x() + labelWidth + kLabelGap, top, boxWidth, kBoxHeight});
-        Text1[field.box] = box;
+    for (std::size_t i = 0; i < Text1.size(); ++i) {
+        Text1[i] = addField(QString::fromUtf16(kAccountLabels[i]), origin, static_cast<int>(i),
+                            {1000, 3600});
     }
 }
 
 void AccountScreen::buildOwnerFields(QPoint origin) {
-    const int labelWidth = 1400;
-    const int boxWidth = 3800;
-    for (std::size_t i = 0; i < kOwnerFields.size(); ++i) {
-        const int top = origin.y() + static_cast<int>(i) * kRowStep;
-        addLabel(QString::fromUtf16(kOwnerFields[i].label),
-                 {origin.x(), top, labelWidth, kBoxHeight}, Picture1);
-        auto* box = new platform::TextBox(Picture1);
-        box->setReadOnly(true);
-        platform::setTwipsGeometry(
-            box, {origin.x() + labelWidth + kLabelGap, top, boxWidth, kBoxHeight});
-        Text2[i] = box;
+    for (std::size_t i = 0; i < Text2.size(); ++i) {
+        Text2[i] = addField(QString::fromUtf16(kOwnerFields[i].label), origin, static_cast<int>(i),
+                            {1400, 3800});
     }
+}
+
+// A label and its read-only box on line `line` of a column of fields starting at `origin`.
+platform::TextBox* AccountScreen::addField(const QString& label, QPoint origin, int line,
+                                           QSize widths) {
+    const int top = origin.y() + line * kRowStep;
+    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, Picture1);
+    auto* box = new platform::TextBox(Picture1);
+    box->setReadOnly(true);
+    platform::setTwipsGeometry(
+        box, {origin.x() + widths.width() + kLabelGap, top, widths.height(), kBoxHeight});
+    return box;
 }
 
 // Each step leaves its control as it was when the window is too small for it.

@@ -79,6 +79,8 @@ class AccountScreen : public platform::Form {
     void buildPanel();
     void buildAccountFields(QPoint origin);
     void buildOwnerFields(QPoint origin);
+    // widths: of the label, then of the box.
+    platform::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
 
     AccountScreenDesign design_;
@@ -88,6 +90,10 @@ class AccountScreen : public platform::Form {
 inline QString formatColumn(QChar align, const QString& header, int blanks) {
     return align + header + QString(blanks, u' ');
 }
+
+// The columns 0-6 both account lists begin with: row number, estate, address and the
+// registration's account, name, identity number and mobile.
+QString accountListColumns();
 
 // Even rows of a list are tinted in every column but the row number.
 constexpr quint32 kBandColor = 16710887;

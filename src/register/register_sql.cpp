@@ -6,10 +6,7 @@ namespace qivo::register_sql {
 
 QString approvedListQuery() {
     return QStringLiteral("Select 业户互联网.*, GYD_Name As 项目, D.说明, ") + db::DZ() +
-           QStringLiteral(" From 业户互联网 Inner Join 业主表 D On 业户互联网.ZH_ID = D.ZH_ID") +
-           QStringLiteral(" Inner Join 室表 C On D.S_ID = C.S_ID") +
-           QStringLiteral(" Inner Join 楼表 B On C.L_ID = B.L_ID") +
-           QStringLiteral(" Inner Join 设置管理处 A On A.GYD_DH = B.管理处") +
+           db::RegistrationJoins() +
            QStringLiteral(" where Not 业户互联网.审核人 Is Null And 业户互联网.属性 = '业主'") +
            db::AddressOrder();
 }

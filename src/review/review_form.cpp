@@ -15,10 +15,6 @@ namespace {
 
 constexpr int kReviewCol = 7;
 
-qint32 currentRegistration(const platform::FlexGrid& grid) {
-    return grid.RowData(grid.Row());
-}
-
 }  // namespace
 
 void frmQivo账号审核::Form_Load() {
@@ -94,21 +90,23 @@ void frmQivo账号审核::markMismatches() {
 }
 
 void frmQivo账号审核::Command3_Click() {
-    if (platform::MsgBox(QStringLiteral("确认该Qivo账号审核通过？"), platform::vbYesNo) ==
-        platform::vbNo) {
-        return;
-    }
-    Connection::cn().Execute(review_sql::approveStatement(QDate::currentDate(), CurrentUserName,
-                                                          currentRegistration(*MSFlexGrid1)));
-    LoadPendingList();
+    decideCurrentRow(QStringLiteral("确认该Qivo账号审核通过？"), [](qint32 registration) {
+        return review_sql::approveStatement(QDate::currentDate(), CurrentUserName, registration);
+    });
 }
 
 void frmQivo账号审核::Command1_Click() {
-    if (platform::MsgBox(QStringLiteral("确认该Qivo账号审核不通过？"), platform::vbYesNo) ==
-        platform::vbNo) {
+    decideCurrentRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
+}
+
+// Asks the question; on Yes runs the statement for the current row's registration and reloads
+// the list. Whether a row is selected or the panel open is not checked.
+void frmQivo账号审核::decideCurrentRow(const QString& question,
+                                       const std::function<QString(qint32)>& statement) {
+    if (platform::MsgBox(question, platform::vbYesNo) == platform::vbNo) {
         return;
     }
-    Connection::cn().Execute(review_sql::rejectStatement(currentRegistration(*MSFlexGrid1)));
+    Connection::cn().Execute(statement(MSFlexGrid1->RowData(MSFlexGrid1->Row())));
     LoadPendingList();
 }
 

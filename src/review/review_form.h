@@ -34,6 +34,7 @@ class frmQivo账号审核 final : public AccountScreen {
     void buildButtons();
     void connectEvents();
     void markMismatches();
+    void decideCurrentRow(const QString& question, const std::function<QString(qint32)>& statement);
 
     bool ownerShown_ = false;
 };

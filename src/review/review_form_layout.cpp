@@ -10,14 +10,8 @@ namespace qivo {
 namespace {
 
 AccountScreenDesign reviewDesign() {
-    const QString listFormat = formatColumn('<', QStringLiteral("序"), 4) + '|' +
-                               formatColumn('<', QStringLiteral("项目名称"), 43) + '|' +
-                               formatColumn('<', QStringLiteral("地址"), 63) + '|' +
-                               formatColumn('<', QStringLiteral("Qivo号"), 38) + '|' +
-                               formatColumn('<', QStringLiteral("姓名"), 6) + '|' +
-                               formatColumn('<', QStringLiteral("身份证号"), 39) + '|' +
-                               formatColumn('<', QStringLiteral("手机号"), 23) + '|' +
-                               formatColumn('^', QStringLiteral("操作"), 1) + '|';
+    const QString listFormat =
+        accountListColumns() + formatColumn('^', QStringLiteral("操作"), 1) + '|';
     return {.gridMargin = 200,
             .refreshGap = 800,
             .exitMargin = 400,
