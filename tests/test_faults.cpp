@@ -1,0 +1,244 @@
+// Faults and bad input across the screens: the database going away mid-session, texts no
+// keyboard test types, malformed keys, command lines and settings, and a long approve/reject
+// soak. Each ends in a message or a stored value; nothing is half-written and the program
+// keeps running.
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <memory>
+
+#include "owner/owner_form.h"
+#include "platform/runtime_error.h"
+#include "platform/settings.h"
+#include "register/register_form.h"
+#include "review/mismatch_marks.h"
+#include "review/review_form.h"
+#include "session/command_line.h"
+#include "session/connection.h"
+#include "session/session_values.h"
+#include "support/account_fixture.h"
+#include "support/grid_actions.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+
+namespace {
+
+long residentKiB() {
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:")) {
+            return line.mid(6).trimmed().split(' ').value(0).toLong();
+        }
+    }
+    return 0;
+}
+
+QString odd(const QString& base) {
+    return base + QStringLiteral("'\"😀𠀀\t") + QChar(1);
+}
+
+}  // namespace
+
+class TestFaults final : public QObject {
+    Q_OBJECT
+    std::unique_ptr<test::FixtureDb> db;
+    std::unique_ptr<test::MsgBoxRecorder> messages;
+
+  private Q_SLOTS:
+    void init() {
+        db = std::make_unique<test::FixtureDb>();
+        test::writeEstates(*db);
+        db->exec(
+            "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 属性) values (101, 1, 'qv1', "
+            "'王建国', '业主'), (102, 2, 'qv2', '李娜', '业主') "
+            "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 属性, 审核人) values (201, 3, "
+            "'qv3', '张伟', '业主', '王丽')");
+        messages = std::make_unique<test::MsgBoxRecorder>();
+        CurrentUserName = QStringLiteral("王丽");
+    }
+    void cleanup() {
+        messages.reset();
+        db.reset();
+    }
+
+    // The file moves away, then comes back: lists keep what they showed, writes reach the error
+    // path, and the first action afterwards works.
+    void databaseFileGoneMidSession() {
+        frmQivo账号审核 review;
+        review.Show();
+        frmQivo账号一览表 accounts;
+        accounts.Show();
+        QVERIFY(QFile::rename(db->path(), db->path() + ".away"));
+
+        review.Command4->click();
+        QCOMPARE(messages->messages.size(), 1);  // the refresh failed through the error path
+        QCOMPARE(test::rowKeys(*review.MSFlexGrid1), QList<qint32>({102, 101}));
+        accounts.Command4->click();
+        QCOMPARE(messages->messages.size(), 1);  // the register's list fails quietly
+        QCOMPARE(test::rowKeys(*accounts.MSFlexGrid1), QList<qint32>({201}));
+        review.MSFlexGrid1->setRow(1);
+        review.Command3->click();  // question, then the error
+        QCOMPARE(messages->messages.size(), 3);
+        test::clickCell(*accounts.MSFlexGrid1, 1, 8);
+        QCOMPARE(messages->messages.size(), 4);  // the member list could not be read
+
+        QVERIFY(QFile::rename(db->path() + ".away", db->path()));
+        review.Command3->click();
+        QCOMPARE(test::rowKeys(*review.MSFlexGrid1), QList<qint32>({101}));
+        QCOMPARE(db->count("select count(*) from 业户互联网 where 审核人 is null"), 1);
+    }
+
+    // Another program holds the write lock: the approval waits, fails, writes nothing; once the
+    // lock is gone the same click works.
+    void databaseLockedByAnotherProgram() {
+        frmQivo账号审核 review;
+        review.Show();
+        review.MSFlexGrid1->setRow(1);
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(db->path());
+            QVERIFY(other.open());
+            QSqlQuery lock(other);
+            QVERIFY(lock.exec("begin exclusive"));
+            review.Command3->click();
+            QCOMPARE(messages->messages.size(), 2);
+            QVERIFY(lock.exec("rollback"));
+            other.close();
+        }
+        QSqlDatabase::removeDatabase("other");
+        QCOMPARE(db->count("select count(*) from 业户互联网 where 审核人 is null"), 2);
+        review.Command3->click();
+        QCOMPARE(db->count("select count(*) from 业户互联网 where 审核人 is null"), 1);
+    }
+
+    // The shared connection closed under the screens: the error path, then a reconnect works.
+    void sharedConnectionClosed() {
+        frmQivo账号审核 review;
+        review.Show();
+        Connection::Cn.reset();
+        review.Command4->click();
+        QCOMPARE(messages->messages.size(), 1);
+        QCOMPARE(review.MSFlexGrid1->Rows(), 3);
+        QVERIFY(ConnectDatabase());
+        review.Command4->click();
+        QCOMPARE(messages->messages.size(), 1);
+        QCOMPARE(review.MSFlexGrid1->Rows(), 3);
+    }
+
+    // Quotes, emoji, rare CJK, control characters and 10 000 characters show as stored on both
+    // account screens and are saved exactly by the owner screen.
+    void unusualTextsShowAndSaveExactly() {
+        const QString name = odd(QStringLiteral("王"));
+        const QString huge = QString(10000, QChar(u'长'));
+        db->exec("Delete 业户互联网");
+        platform::Recordset add;
+        add.Open("Select * From 业户互联网 Where HLWID=0", Connection::cn(), platform::adOpenKeyset,
+                 platform::adLockOptimistic);
+        for (const auto& [kind, reviewer] :
+             {std::pair<QString, QVariant>{"业主", QVariant()}, {"业主", QVariant("王丽")}}) {
+            add.AddNew();
+            add.setField("ZH_ID", 1);
+            add.setField("Qivo号", huge);
+            add.setField("姓名", name);
+            add.setField("属性", kind);
+            add.setField("审核人", reviewer);
+            add.Update();
+        }
+
+        frmQivo账号审核 review;
+        review.Show();
+        QCOMPARE(review.MSFlexGrid1->TextMatrix(1, 4), name);
+        test::clickCell(*review.MSFlexGrid1, 1, 7);
+        QCOMPARE(review.Text1[0]->text(), huge);
+        QCOMPARE(review.Text1[2]->text(), name);
+        QVERIFY(review::isMarkedMismatch(review.Text1[2]));
+        frmQivo账号一览表 accounts;
+        accounts.Show();
+        test::doubleClickCell(*accounts.MSFlexGrid1, 1, 1);
+        QCOMPARE(accounts.Text1[0]->text(), huge);
+
+        frm业户信息 owner;
+        owner.Frame1[0]->Tag = "1";
+        owner.Show();
+        owner.Form_Activate();
+        owner.Text2[0]->setText(name);
+        owner.Text2[10]->setText(huge + name);
+        owner.Command3_Click();
+        QCOMPARE(db->scalar("select 姓名 from 业主表 where ZH_ID = 1").toString(), name);
+        QCOMPARE(db->scalar("select 备注 from 业主表 where ZH_ID = 1").toString(), huge + name);
+        QVERIFY(messages->messages.isEmpty());
+    }
+
+    // Owner keys that are not numbers reach the error path; the screen stays usable.
+    void ownerKeysThatAreNotNumbers() {
+        frm业户信息 owner;
+        owner.Show();
+        for (const QString key : {"abc", " ", "1;Delete 业主表"}) {
+            owner.Frame1[0]->Tag = key;
+            platform::guarded([&] { owner.Form_Activate(); });
+        }
+        QCOMPARE(messages->messages.size(), 2);
+        QCOMPARE(db->count("select count(*) from 业主表"), 5);
+        owner.Frame1[0]->Tag = "2";
+        owner.Form_Activate();
+        QCOMPARE(owner.Text2[0]->text(), QString("李娜"));
+    }
+
+    void commandLineFieldCounts() {
+        const QString nine = QStringLiteral("1,2,3,4,5,6,7,8,9");
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, commandLineFields(nine));
+        QCOMPARE(commandLineFields(nine + ",10").size(), 10);
+        QCOMPARE(commandLineFields(nine + ",10,11").value(9), QString("10"));
+    }
+
+    // Empty and huge data sources: the connection message, no hang, no crash.
+    void emptyAndHugeSettings() {
+        for (const QString& source : {QString(), QString(100000, u'x')}) {
+            platform::SaveSetting("Merivane", "DBConfig", "Svr", source);
+            QVERIFY(!ConnectDatabase());
+            QCOMPARE(messages->messages.last().prompt, QString("数据库连接失败!"));
+        }
+        platform::SaveSetting("Merivane", "DBConfig", "Svr", db->dataSource());
+        QVERIFY(ConnectDatabase());
+    }
+
+    // Resident memory settles: the last 9 000 of 10 000 approve/reject cycles add under 10 %.
+    // The approved rows are cleared as they come, so the database itself does not grow.
+    void approveRejectSoakKeepsMemoryFlat() {
+        db->exec("PRAGMA synchronous = OFF");
+        frmQivo账号审核 review;
+        review.Show();
+        long settled = 0;
+        for (int cycle = 0; cycle < 10000; ++cycle) {
+            db->exec(
+                QStringLiteral("Delete 业户互联网 Where 审核人 = '王丽' insert into 业户互联网 "
+                               "(ZH_ID, 姓名, 属性) values (%1, '甲', '业主')")
+                    .arg(1 + cycle % 4));
+            review.Command4_Click();
+            review.MSFlexGrid1->setRow(1);
+            if (cycle % 2 == 0) {
+                review.Command3_Click();
+            } else {
+                review.Command1_Click();
+            }
+            QCoreApplication::processEvents();  // as the event loop does between two clicks
+            if (cycle == 999) {
+                settled = residentKiB();
+            }
+        }
+        QCOMPARE(review.MSFlexGrid1->Rows(), 3);
+        qInfo("resident memory: %ld KiB after 1 000 cycles, %ld KiB after 10 000", settled,
+              residentKiB());
+        QVERIFY2(residentKiB() < settled * 11 / 10,
+                 qPrintable(QStringLiteral("%1 KiB after 1 000 cycles, %2 KiB after 10 000")
+                                .arg(settled)
+                                .arg(residentKiB())));
+    }
+};
+
+QIVO_TEST_MAIN(TestFaults)
+#include "test_faults.moc"
