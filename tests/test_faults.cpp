@@ -1,6 +1,5 @@
 // Faults and bad input across the screens: the database going away mid-session, texts no
-// keyboard test types, malformed keys, command lines and settings, and a long approve/reject
-// soak. Each ends in a message or a stored value; nothing is half-written and the program
+// keyboard test types, malformed keys and settings, and a long approve/reject soak. Each ends in a message or a stored value; nothing is half-written and the program
 // keeps running.
 #include <QFile>
 #include <QSqlDatabase>
@@ -8,12 +7,10 @@
 #include <memory>
 
 #include "owner/owner_form.h"
-#include "platform/runtime_error.h"
 #include "platform/settings.h"
 #include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
-#include "session/command_line.h"
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "support/account_fixture.h"
@@ -186,13 +183,6 @@ class TestFaults final : public QObject {
         owner.Frame1[0]->Tag = "2";
         owner.Form_Activate();
         QCOMPARE(owner.Text2[0]->text(), QString("李娜"));
-    }
-
-    void commandLineFieldCounts() {
-        const QString nine = QStringLiteral("1,2,3,4,5,6,7,8,9");
-        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, commandLineFields(nine));
-        QCOMPARE(commandLineFields(nine + ",10").size(), 10);
-        QCOMPARE(commandLineFields(nine + ",10,11").value(9), QString("10"));
     }
 
     // Empty and huge data sources: the connection message, no hang, no crash.

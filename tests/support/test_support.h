@@ -52,11 +52,14 @@ class FixtureDb {
 
 }  // namespace qivo::test
 
-// A test main with the program's own application object, so the common error path is in place.
-#define QIVO_TEST_MAIN(TestClass)                    \
-    int main(int argc, char** argv) {                \
-        qivo::platform::Application app(argc, argv); \
-        TestClass test;                              \
-        QTEST_SET_MAIN_SOURCE_PATH                   \
-        return QTest::qExec(&test, argc, argv);      \
+// A test main with the program's own application object, so the common error path is in place,
+// and a settings store of its own, so suites running side by side never share a data source.
+#define QIVO_TEST_MAIN(TestClass)                                      \
+    int main(int argc, char** argv) {                                  \
+        QTemporaryDir settingsHome;                                    \
+        qputenv("XDG_CONFIG_HOME", settingsHome.path().toLocal8Bit()); \
+        qivo::platform::Application app(argc, argv);                   \
+        TestClass test;                                                \
+        QTEST_SET_MAIN_SOURCE_PATH                                     \
+        return QTest::qExec(&test, argc, argv);                        \
     }
