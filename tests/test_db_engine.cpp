@@ -212,8 +212,11 @@ class EngineTest final : public QObject {
         }
         QCOMPARE(seen, QStringList({"", "甲", "1", "1", "新进户", "乙", "2", "0"}));
         QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, rs.Fields("姓名"));
+        // A failed Open leaves no current record behind, even after one with rows.
+        rs.Open("Select ZH_ID, 姓名 From 业主表", Connection::cn());
         QVERIFY_THROWS_EXCEPTION(platform::RuntimeError,
                                  rs.Open("Select nosuch From 业主表", Connection::cn()));
+        QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, rs.Fields("姓名"));
         QVERIFY_THROWS_EXCEPTION(platform::RuntimeError, rs.Fields(""));
     }
 

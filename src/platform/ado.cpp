@@ -7,7 +7,6 @@
 #include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QSqlRecord>
 
 #include "platform/engine.h"
 #include "platform/row_cursor.h"
@@ -122,6 +121,8 @@ Recordset::~Recordset() = default;
 
 void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType cursor,
                      LockType lock) {
+    // Until the new query runs the set has no current record, so a failed Open leaves none.
+    eof_ = true;
     QSqlDatabase db = connection.database();
     const QStringList statements = connection.engine().statements(sql);
     connection_ = &connection;
