@@ -1,6 +1,6 @@
 #pragma once
 
-#include "register/account_screen.h"
+#include "accounts/account_screen.h"
 
 namespace qivo {
 

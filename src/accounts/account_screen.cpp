@@ -1,4 +1,4 @@
-#include "register/account_screen.h"
+#include "accounts/account_screen.h"
 
 #include <QScopeGuard>
 #include <QStyle>
