@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "platform/engine.h"
+#include "platform/odbc_connection_string.h"
 #include "platform/settings.h"
 #include "support/test_support.h"
 
@@ -92,6 +94,65 @@ class SettingsTest final : public QObject {
                                          "demo.db\r\nPWD=p;w\r\nDBname=qivo_demo\r\n\r\n[Other]"
                                          "\r\nA=1\r\n[New]\r\nUID=\r\n"));
         QCOMPARE(platform::GetSetting(kApp, kSection, "PWD"), QString("p;w"));
+    }
+
+    // Settings values through the program's ADO connection string to the ODBC driver, whole.
+    void connectionStringsReachTheDriver_data() {
+        QTest::addColumn<QString>("server");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("driver");
+        QTest::addColumn<QString>("expected");
+        const QString rest = "DATABASE=物业数据库;UID=qivo;PWD=pw;";
+        const QString tds = "TDS_Version=7.3;ClientCharset=UTF-8;";
+        QTest::newRow("FreeTDS host,port")
+            << "dbserver,1433"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=dbserver;Port=1433;" + tds + rest;
+        QTest::newRow("FreeTDS host alone")
+            << "dbserver"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=dbserver;Port=1433;" + tds + rest;
+        QTest::newRow("FreeTDS named instance")
+            << "dbserver\\SQLEXPRESS"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=dbserver\\SQLEXPRESS;" + tds + rest;
+        QTest::newRow("FreeTDS instance and port")
+            << "10.0.0.5\\INST,1500"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=10.0.0.5;Port=1500;" + tds + rest;
+        QTest::newRow("Microsoft driver keeps host,port")
+            << "dbserver,1433"
+            << "pw"
+            << "ODBC Driver 17 for SQL Server"
+            << "DRIVER={ODBC Driver 17 for SQL Server};SERVER=dbserver,1433;" + rest;
+        QTest::newRow("separators, quotes and blanks in the password")
+            << "dbserver\\SQLEXPRESS"
+            << "p;w=x\"y'}"
+            << "ODBC Driver 18 for SQL Server"
+            << "DRIVER={ODBC Driver 18 for SQL Server};SERVER=dbserver\\SQLEXPRESS;"
+               "DATABASE=物业数据库;UID=qivo;PWD={p;w=x\"y'}}};TrustServerCertificate=yes;";
+        QTest::newRow("outer blanks kept")
+            << "dbserver"
+            << "  a b  "
+            << "SQL Server"
+            << "DRIVER={SQL Server};SERVER=dbserver;DATABASE=物业数据库;UID=qivo;PWD={  a b  };";
+    }
+    void connectionStringsReachTheDriver() {
+        QFETCH(QString, server);
+        QFETCH(QString, password);
+        QFETCH(QString, driver);
+        QFETCH(QString, expected);
+        // Composed as the shared connection composes it: values in as they stand.
+        const QString ado = "Provider=SQLOLEDB.1;Password=" + password +
+                            ";Persist Security Info=False;User ID=qivo;Initial Catalog='物业数据库'"
+                            ";Data Source='" +
+                            server + "'";
+        QCOMPARE(platform::odbcConnectionString(platform::parseConnectionString(ado), driver),
+                 expected);
     }
 };
 

@@ -14,7 +14,7 @@ namespace qivo::platform {
 class RowCursor;
 
 // The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
-// with their single quotes removed.
+// with their single quotes removed; a value may hold ';' (see engine.cpp).
 QMap<QString, QString> parseConnectionString(const QString& connectionString);
 
 // What differs between the two database engines.
