@@ -57,8 +57,12 @@ QMap<QString, QString> parseConnectionString(const QString& connectionString) {
     return parts;
 }
 
+bool isEmbedded(const QString& dataSource) {
+    return dataSource.startsWith(QLatin1String("sqlite:"));
+}
+
 std::unique_ptr<Engine> engineFor(const QString& dataSource) {
-    if (dataSource.startsWith(QLatin1String("sqlite:"))) {
+    if (isEmbedded(dataSource)) {
         return std::make_unique<SqliteEngine>(dataSource.mid(7));
     }
     return std::make_unique<OdbcEngine>();

@@ -45,6 +45,7 @@ class Engine {
 };
 
 // "sqlite:PATH" is the embedded engine, anything else SQL Server over ODBC.
+bool isEmbedded(const QString& dataSource);
 std::unique_ptr<Engine> engineFor(const QString& dataSource);
 
 // Turns a failed Qt SQL call into the RuntimeError the screens see.
