@@ -2,11 +2,11 @@
 BUILD      ?= build
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc tdsodbc \
-              libsqlite3-dev fonts-noto-cjk xvfb xauth
+              libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 
-.PHONY: deps build run test bench screenshots check-sanitize clean
+.PHONY: deps build run test bench screenshots check-sanitize package check-package clean
 
 deps:
 	@missing=""; for p in $(PACKAGES); do \
@@ -51,6 +51,26 @@ check-sanitize: deps
 	@cmake --build $(BUILD)-sanitize -j $(JOBS)
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
 	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD)-sanitize --output-on-failure
+
+package: build
+	@cd $(BUILD) && log=$$(cpack -G DEB 2>&1) || { echo "$$log"; exit 1; }
+	@deb=$$(ls $(BUILD)/qivo-review_*.deb) && echo "$$deb" && dpkg-deb -f "$$deb" Version Depends
+
+# Installs the package into this system (root), checks a fresh demo database with the installed
+# program, and removes the package again.
+check-package: package
+	@if [ "$$(id -u)" -ne 0 ]; then echo "check-package installs into the system: run it as root"; exit 1; fi
+	@deb=$$(ls $(BUILD)/qivo-review_*.deb) && cfg=$$(mktemp -d) && \
+	  trap 'dpkg -r qivo-review >/dev/null; rm -rf "$$cfg"' EXIT && \
+	  { log=$$(DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "$$(realpath $$deb)" 2>&1) || \
+	    { echo "$$log"; exit 1; }; } && \
+	  dpkg -L qivo-review | grep -E '^/usr/(bin|share/applications|share/icons/.*/apps)/.' && \
+	  XDG_CONFIG_HOME="$$cfg" /usr/bin/qivo-demo-db --no-settings --out "$$cfg/demo.db" && \
+	  mkdir -p "$$cfg/Merivane" && \
+	  printf '[DBConfig]\nSvr=sqlite:%s\nUID=\nPWD=\nDBname=qivo_demo\n' "$$cfg/demo.db" \
+	    > "$$cfg/Merivane/Merivane.ini" && \
+	  env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM XDG_CONFIG_HOME="$$cfg" \
+	    /usr/bin/qivo-review --check
 
 clean:
 	rm -rf $(BUILD) $(BUILD)-sanitize
