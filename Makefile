@@ -1,5 +1,10 @@
 # The two commands are `make run` and `make test`; the rest are their steps.
 BUILD      ?= build
+SHELL      := /bin/bash
+# Say only what matters: no directory changes of the nested makes, no CMake step lines for work
+# that was already done.
+MAKEFLAGS  += --no-print-directory
+QUIET_STEPS = grep --line-buffered -vE '^(\[ *[0-9]+%\] (Built target|Automatic (MOC|RCC|UIC) for)|-- )'
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc tdsodbc \
               libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file
@@ -22,7 +27,7 @@ deps:
 
 build: deps
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
-	@cmake --build $(BUILD) -j $(JOBS)
+	@cmake --build $(BUILD) -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 
 run: build
 	@if ! grep -qs '^Svr=.' "$(CONFIG_DIR)/Merivane/Merivane.ini"; then \
@@ -31,24 +36,24 @@ run: build
 	@if [ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] && [ -z "$$QT_QPA_PLATFORM" ]; then \
 	  echo "No display: run this on a desktop, or under xvfb-run (xvfb-run make run)."; exit 1; \
 	fi
-	$(BUILD)/qivo-review
+	@$(BUILD)/qivo-review
 
 test: build
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
 	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
 bench: build
-	@cmake --build $(BUILD) --target qivo-bench -j $(JOBS)
+	@cmake --build $(BUILD) --target qivo-bench -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
 	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen $(BUILD)/qivo-bench
 
 screenshots: build
-	@cmake --build $(BUILD) --target qivo-screenshots -j $(JOBS)
+	@cmake --build $(BUILD) --target qivo-screenshots -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 	@QT_QPA_PLATFORM=offscreen $(BUILD)/qivo-screenshots docs/screenshots
 
 check-sanitize: deps
 	@cmake -S . -B $(BUILD)-sanitize -DCMAKE_BUILD_TYPE=Debug -DQIVO_SANITIZE=ON >/dev/null
-	@cmake --build $(BUILD)-sanitize -j $(JOBS)
+	@cmake --build $(BUILD)-sanitize -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
 	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD)-sanitize --output-on-failure
 
