@@ -30,7 +30,7 @@ build: deps
 	@cmake --build $(BUILD) -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 
 run: build
-	@if ! grep -qs '^Svr=.' "$(CONFIG_DIR)/Merivane/Merivane.ini"; then \
+	@if ! grep -qsiE '^[[:space:]]*svr[[:space:]]*=.' "$(CONFIG_DIR)/Merivane/Merivane.ini"; then \
 	  mkdir -p "$$(dirname "$(DEMO_DB)")" && $(BUILD)/qivo-demo-db --out "$(DEMO_DB)"; \
 	fi
 	@if [ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] && [ -z "$$QT_QPA_PLATFORM" ]; then \
