@@ -40,7 +40,7 @@ run: build
 
 test: build
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
-	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+	  cd $(BUILD) && XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS)
 
 bench: build
 	@cmake --build $(BUILD) --target qivo-bench -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
@@ -55,7 +55,7 @@ check-sanitize: deps
 	@cmake -S . -B $(BUILD)-sanitize -DCMAKE_BUILD_TYPE=Debug -DQIVO_SANITIZE=ON >/dev/null
 	@cmake --build $(BUILD)-sanitize -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
-	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --test-dir $(BUILD)-sanitize --output-on-failure
+	  cd $(BUILD)-sanitize && XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen ctest --output-on-failure
 
 package: build
 	@cd $(BUILD) && log=$$(cpack -G DEB 2>&1) || { echo "$$log"; exit 1; }
