@@ -207,7 +207,6 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
         owner.AddNew();
         owner.setField("S_ID", 0);
         owner.setField("姓名", QStringLiteral("工作站检查"));
-        owner.setField("备注", QString());
         owner.setField("说明", QStringLiteral("新进户"));
         owner.setField("短信", 0);
         owner.Update();
