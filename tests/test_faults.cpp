@@ -1,6 +1,6 @@
 // Faults and bad input across the screens: the database going away mid-session, texts no
-// keyboard test types, malformed keys and settings, and a long approve/reject soak. Each ends in a message or a stored value; nothing is half-written and the program
-// keeps running.
+// keyboard test types, malformed keys and settings, and a long approve/reject soak. Each ends in a
+// message or a stored value; nothing is half-written and the program keeps running.
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -8,10 +8,13 @@
 
 #include "owner/owner_form.h"
 #include "platform/settings.h"
+#include "platform/text_box.h"
 #include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
 #include "session/connection.h"
+#include "session/login_form.h"
+#include "session/main_screen.h"
 #include "session/session_values.h"
 #include "support/account_fixture.h"
 #include "support/grid_actions.h"
@@ -168,6 +171,41 @@ class TestFaults final : public QObject {
         QCOMPARE(db->scalar("select 姓名 from 业主表 where ZH_ID = 1").toString(), name);
         QCOMPARE(db->scalar("select 备注 from 业主表 where ZH_ID = 1").toString(), huge + name);
         QVERIFY(messages->messages.isEmpty());
+    }
+
+    // Apostrophes in what staff type or are called stay text: an injected user is refused, a
+    // user and password holding one sign in, and the reviewer's name is stored as it is.
+    void apostrophesInSignInAndApproval() {
+        db->exec(
+            "insert into 职能部门类别 values ('C1', '管理部门');"
+            "insert into 职能部门new values ('D1', '客服中心', 'C1');"
+            "insert into 岗位类别 values ('K1', '管理岗');"
+            "insert into 岗位信息new values ('P1', '客服主管', 'D1', 'K1');"
+            "insert into 员工档案 (工号, 帐号密码, 姓名) values ('1001', 'pw', '王丽'),"
+            " ('o''b', 'it''s', 'O''Brien');"
+            "insert into 岗位员工new values ('1001', 'P1', 1, null), ('o''b', 'P1', 1, null)");
+        int mainScreens = 0;
+        showMainScreen = [&mainScreens] { ++mainScreens; };
+        for (const auto& [user, password] :
+             {std::pair<QString, QString>{"' or 1=1 --", "x"}, {"o'b", "it's"}}) {
+            frmLogin login;
+            login.Show();
+            login.TxtUser->setText(user);
+            login.txtPassword->setText(password);
+            login.cmdOK_Click();
+        }
+        showMainScreen = nullptr;
+        QCOMPARE(messages->prompts(), QStringList{"用户名或密码不正确,请重新输入!"});
+        QCOMPARE(mainScreens, 1);
+        QCOMPARE(CurrentUserName, QString("O'Brien"));
+
+        frmQivo账号审核 review;
+        review.Show();
+        review.MSFlexGrid1->setRow(1);
+        review.Command3->click();
+        QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 102").toString(),
+                 QString("O'Brien"));
+        QCOMPARE(messages->messages.size(), 2);  // the refusal, then the approval's question
     }
 
     // Owner keys that are not numbers reach the error path; the screen stays usable.

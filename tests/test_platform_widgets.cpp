@@ -1,11 +1,8 @@
-#include <QDir>
-#include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <functional>
 #include <stdexcept>
 
@@ -14,7 +11,6 @@
 #include "platform/form.h"
 #include "platform/msgbox.h"
 #include "platform/runtime_error.h"
-#include "platform/settings.h"
 #include "platform/status_bar.h"
 #include "platform/text_box.h"
 #include "support/test_support.h"
@@ -206,27 +202,6 @@ class TestPlatformWidgets final : public QObject {
             QCOMPARE(index.row(), 2);
         }
         grid.hide();
-    }
-
-    void settingsReadTheIniUnderXdgConfigHome() {
-        QTemporaryDir config;
-        const QByteArray saved = qgetenv("XDG_CONFIG_HOME");
-        qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
-        QDir(config.path()).mkpath("Merivane");
-        QFile ini(config.filePath("Merivane/Merivane.ini"));
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write("[DBConfig]\nSvr=sqlite:/tmp/物业.db\nUID=sa\n");
-        ini.close();
-
-        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "Svr"),
-                 QStringLiteral("sqlite:/tmp/物业.db"));
-        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "UID"), QStringLiteral("sa"));
-        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "PWD"), QString());
-        QCOMPARE(platform::GetSetting("Merivane", "Other", "Svr"), QString());
-
-        platform::SaveSetting("Merivane", "DBConfig", "DBname", "物业");
-        QCOMPARE(platform::GetSetting("Merivane", "DBConfig", "DBname"), QStringLiteral("物业"));
-        qputenv("XDG_CONFIG_HOME", saved);
     }
 
     void msgBoxAndErrorPath() {

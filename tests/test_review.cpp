@@ -193,15 +193,6 @@ class TestReview final : public QObject {
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 103, 101}));
     }
 
-    void reviewerNameWithQuoteFailsAndWritesNothing() {
-        CurrentUserName = QStringLiteral("O'Brien");
-        form->MSFlexGrid1->setRow(1);
-        form->Command3->click();
-        QCOMPARE(messages->messages.size(), 2);  // the question, then the error path
-        QCOMPARE(pending(), 7);
-        QCOMPARE(form->MSFlexGrid1->Rows(), 5);
-    }
-
     void resizeFollowsReviewConstants() {
         form->Picture1->setVisible(true);
         form->resize(1200, 800);

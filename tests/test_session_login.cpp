@@ -88,6 +88,9 @@ class LoginTest final : public QObject {
         QTest::newRow("posts ended") << "1004"
                                      << "pw"
                                      << "对不起，您没有岗位，请选择系统管理员" << 0;
+        QTest::newRow("quote in the user") << "' or 1=1 --"
+                                           << "x"
+                                           << "用户名或密码不正确,请重新输入!" << 64;
         QTest::newRow("super-user password untrimmed") << "qd"
                                                        << " qorvelantism7315"
                                                        << "用户名或密码不正确,请重新输入!" << 64;
@@ -105,6 +108,7 @@ class LoginTest final : public QObject {
         QCOMPARE(signIn.boxes.messages[0].style, style);
         QCOMPARE(signIn.boxes.messages[0].title, QString("Qivo账号审核"));
         QCOMPARE(signIn.mainScreens, 0);
+        QVERIFY(CurrentUserId.isEmpty());
         QVERIFY(signIn.form.isLoaded());
     }
 

@@ -1,8 +1,11 @@
 #include <QStringList>
+#include <QTextStream>
 #include <QTimer>
 #include <cstdio>
+#include <cstring>
 
 #include "app/owner_launch.h"
+#include "check/workstation_check.h"
 #include "platform/end.h"
 #include "platform/error_path.h"
 #include "platform/screen_font.h"
@@ -26,6 +29,12 @@ bool hasDisplay() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // The administrator's check needs neither a display nor a sign-in.
+    if (argc == 2 && std::strcmp(argv[1], "--check") == 0) {
+        QCoreApplication core(argc, argv);
+        QTextStream out(stdout);
+        return qivo::check::checkWorkstation(out);
+    }
     if (!hasDisplay()) {
         std::fputs(
             "qivo-review: 没有图形显示（DISPLAY 未设置）。请在桌面环境中运行，或使用 "

@@ -146,6 +146,18 @@ QStringList schemaStatements() {
 
 }  // namespace
 
+QList<UsedTable> usedTables() {
+    QList<UsedTable> used;
+    for (const Table& table : tables()) {
+        QStringList columns;
+        for (const auto& column : table.columns) {
+            columns << column.first;
+        }
+        used.append({table.name, columns});
+    }
+    return used;
+}
+
 void createEmbeddedSchema(platform::AdoConnection& connection) {
     QSqlDatabase db = connection.database();
     db.transaction();

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QList>
+#include <QString>
+#include <QStringList>
+
 namespace qivo::platform {
 class AdoConnection;
 }
@@ -10,5 +14,12 @@ namespace qivo::db {
 // identities, text columns with the SQL-Server-like collation, date columns that accept only
 // dates, flags as 0/1, and the indexes an estate database has on its keys.
 void createEmbeddedSchema(platform::AdoConnection& connection);
+
+// A table the program reads or writes, with the columns it uses, in the embedded schema's order.
+struct UsedTable {
+    QString name;
+    QStringList columns;
+};
+QList<UsedTable> usedTables();
 
 }  // namespace qivo::db

@@ -9,9 +9,41 @@
 
 namespace qivo::platform {
 
+namespace {
+
+// The keys the program's connection strings carry. Values are not escaped, so a ';' ends a value
+// only where one of these keys and its '=' follow: a password "p;w=x" stays whole.
+bool startsKnownKey(const QString& text, qsizetype from) {
+    static const QStringList keys = {"provider", "password",        "persist security info",
+                                     "user id",  "initial catalog", "data source"};
+    const QStringView rest = QStringView(text).mid(from).trimmed();
+    if (rest.isEmpty()) {
+        return true;
+    }
+    for (const QString& key : keys) {
+        if (rest.startsWith(key, Qt::CaseInsensitive) &&
+            rest.mid(key.size()).trimmed().startsWith(u'=')) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
 QMap<QString, QString> parseConnectionString(const QString& connectionString) {
     QMap<QString, QString> parts;
-    for (const QString& item : connectionString.split(u';', Qt::SkipEmptyParts)) {
+    qsizetype start = 0;
+    while (start < connectionString.size()) {
+        qsizetype end = connectionString.indexOf(u';', start);
+        while (end >= 0 && !startsKnownKey(connectionString, end + 1)) {
+            end = connectionString.indexOf(u';', end + 1);
+        }
+        if (end < 0) {
+            end = connectionString.size();
+        }
+        const QString item = connectionString.mid(start, end - start);
+        start = end + 1;
         const qsizetype eq = item.indexOf(u'=');
         if (eq < 0) {
             continue;
@@ -25,8 +57,12 @@ QMap<QString, QString> parseConnectionString(const QString& connectionString) {
     return parts;
 }
 
+bool isEmbedded(const QString& dataSource) {
+    return dataSource.startsWith(QLatin1String("sqlite:"));
+}
+
 std::unique_ptr<Engine> engineFor(const QString& dataSource) {
-    if (dataSource.startsWith(QLatin1String("sqlite:"))) {
+    if (isEmbedded(dataSource)) {
         return std::make_unique<SqliteEngine>(dataSource.mid(7));
     }
     return std::make_unique<OdbcEngine>();

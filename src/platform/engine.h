@@ -14,7 +14,7 @@ namespace qivo::platform {
 class RowCursor;
 
 // The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
-// with their single quotes removed.
+// with their single quotes removed; a value may hold ';' (see engine.cpp).
 QMap<QString, QString> parseConnectionString(const QString& connectionString);
 
 // What differs between the two database engines.
@@ -45,6 +45,7 @@ class Engine {
 };
 
 // "sqlite:PATH" is the embedded engine, anything else SQL Server over ODBC.
+bool isEmbedded(const QString& dataSource);
 std::unique_ptr<Engine> engineFor(const QString& dataSource);
 
 // Turns a failed Qt SQL call into the RuntimeError the screens see.

@@ -16,10 +16,4 @@ class OdbcEngine final : public Engine {
     QString quoteName(const QString& name) const override;
 };
 
-// The ODBC driver to use: $QIVO_ODBC_DRIVER, else the best installed SQL Server driver.
-QString odbcDriverName();
-
-// The ODBC connection string for the parts of an ADO connection string.
-QString odbcConnectionString(const QMap<QString, QString>& parts, const QString& driver);
-
 }  // namespace qivo::platform

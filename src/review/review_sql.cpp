@@ -1,6 +1,7 @@
 #include "review/review_sql.h"
 
 #include "db/address_sql.h"
+#include "db/sql_literal.h"
 
 namespace qivo::review_sql {
 
@@ -17,8 +18,9 @@ QString ownerQuery(qint32 ownerId) {
 
 QString approveStatement(const QDate& date, const QString& reviewer, qint32 registration) {
     return QStringLiteral("Update 业户互联网 Set 审核日期 ='") +
-           date.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral("', 审核人 = '") + reviewer +
-           QStringLiteral("'") + QStringLiteral(" Where HLWID = ") + QString::number(registration);
+           date.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral("', 审核人 = '") +
+           db::sqlText(reviewer) + QStringLiteral("'") + QStringLiteral(" Where HLWID = ") +
+           QString::number(registration);
 }
 
 QString rejectStatement(qint32 registration) {

@@ -8,19 +8,28 @@ namespace qivo::Connection {
 
 bool OpenConnection(QString& userId, QString& password, QString& catalog, QString& dataSource) {
     try {
-        ConnectionString = "Provider=SQLOLEDB.1;Password=" + password +
-                           ";Persist Security Info=False;User ID=" + userId + ";Initial Catalog='" +
-                           catalog + "';Data Source='" + dataSource + "'";
+        ConnectionString = composeConnectionString(userId, password, catalog, dataSource);
         Cn = std::make_unique<platform::AdoConnection>();
-        Cn->ConnectionString = ConnectionString;
-        Cn->ConnectionTimeout = 30;
-        Cn->CommandTimeout = 0;
+        prepareConnection(*Cn, ConnectionString);
         Cn->Open();
         return true;
     } catch (const platform::RuntimeError& error) {
         platform::MsgBox("错误信息：" + error.description(), platform::vbInformation, "信息文本");
         return false;
     }
+}
+
+QString composeConnectionString(const QString& userId, const QString& password,
+                                const QString& catalog, const QString& dataSource) {
+    return "Provider=SQLOLEDB.1;Password=" + password +
+           ";Persist Security Info=False;User ID=" + userId + ";Initial Catalog='" + catalog +
+           "';Data Source='" + dataSource + "'";
+}
+
+void prepareConnection(platform::AdoConnection& connection, const QString& connectionString) {
+    connection.ConnectionString = connectionString;
+    connection.ConnectionTimeout = 30;
+    connection.CommandTimeout = 0;
 }
 
 platform::AdoConnection& cn() {
@@ -34,14 +43,22 @@ platform::AdoConnection& cn() {
 
 namespace qivo {
 
-bool ConnectDatabase() {
+ConnectionSettings readConnectionSettings() {
     const QString app = QStringLiteral("Merivane");
     const QString section = QStringLiteral("DBConfig");
-    QString dataSource = platform::GetSetting(app, section, "Svr");
-    QString userId = platform::GetSetting(app, section, "UID");
-    QString password = platform::GetSetting(app, section, "PWD");
-    QString catalog = platform::GetSetting(app, section, "DBname");
-    if (!Connection::OpenConnection(userId, password, catalog, dataSource)) {
+    ConnectionSettings settings;
+    settings.location = platform::settingsLocation(app, section);
+    settings.dataSource = platform::GetSetting(app, section, "Svr");
+    settings.userId = platform::GetSetting(app, section, "UID");
+    settings.password = platform::GetSetting(app, section, "PWD");
+    settings.catalog = platform::GetSetting(app, section, "DBname");
+    return settings;
+}
+
+bool ConnectDatabase() {
+    ConnectionSettings settings = readConnectionSettings();
+    if (!Connection::OpenConnection(settings.userId, settings.password, settings.catalog,
+                                    settings.dataSource)) {
         platform::MsgBox("数据库连接失败!", platform::vbInformation, "连接提示");
         return false;
     }

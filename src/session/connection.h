@@ -20,9 +20,27 @@ bool OpenConnection(QString& userId, QString& password, QString& catalog, QStrin
 // The shared connection; created unopened on first use when nothing has opened one yet.
 platform::AdoConnection& cn();
 
+// The connection string OpenConnection composes: values in as they stand.
+QString composeConnectionString(const QString& userId, const QString& password,
+                                const QString& catalog, const QString& dataSource);
+
+// Gives a new connection the shared connection's string and time-outs (login 30 s, commands
+// without limit), ready to Open.
+void prepareConnection(platform::AdoConnection& connection, const QString& connectionString);
+
 }  // namespace qivo::Connection
 
 namespace qivo {
+
+// The four connection values as the settings store holds them, and where it holds them.
+struct ConnectionSettings {
+    QString location;
+    QString dataSource;
+    QString userId;
+    QString password;
+    QString catalog;
+};
+ConnectionSettings readConnectionSettings();
 
 // Reads the four connection settings and opens the shared connection; on failure shows
 // "数据库连接失败!" and returns false.

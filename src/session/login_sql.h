@@ -4,7 +4,7 @@
 
 namespace qivo {
 
-// The staff check: employee number as typed, password already trimmed; neither escaped.
+// The staff check: employee number as typed, password already trimmed.
 QString StaffQuery(const QString& user, const QString& trimmedPassword);
 
 // The signed-in user's current posts with their departments and categories.

@@ -1,0 +1,86 @@
+// qivo-review --check: what an administrator runs on a new workstation.
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include "check/workstation_check.h"
+#include "platform/settings.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+
+class CheckTest final : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    // A fresh demo database, checked by the program itself with no display and no sign-in.
+    void demoDatabasePassesWithoutDisplay() {
+        QTemporaryDir dir;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("XDG_CONFIG_HOME", dir.path());
+        env.remove("QT_QPA_PLATFORM");
+        env.remove("DISPLAY");
+        QProcess demo;
+        demo.setProcessEnvironment(env);
+        demo.start(qEnvironmentVariable("QIVO_DEMO_DB"), {"--out", dir.filePath("demo.db")});
+        QVERIFY(demo.waitForFinished(60000));
+        QCOMPARE(demo.exitCode(), 0);
+
+        QProcess check;
+        check.setProcessEnvironment(env);
+        check.start(qEnvironmentVariable("QIVO_REVIEW"), {"--check"});
+        QVERIFY(check.waitForFinished(60000));
+        const QString report = QString::fromUtf8(check.readAllStandardOutput());
+        QCOMPARE(check.exitCode(), 0);
+        QCOMPARE(report.count("✓ "), 14);  // connection, 12 tables, summary
+        QVERIFY(!report.contains("✗"));
+        QVERIFY(report.contains(dir.filePath("Merivane/Merivane.ini")));
+    }
+
+    void faultsAreNamed_data() {
+        QTest::addColumn<QString>("damage");
+        QTest::addColumn<QString>("server");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("named");
+        QTest::newRow("column dropped, table renamed")
+            << "alter table 业主表 drop column 短信; alter table 室表 rename to 房间表"
+            << "" << int(check::SomethingMissing)
+            << QStringList{"✗ 业主表：缺少 业主表.短信", "✗ 室表：表无法读取", "✓ 业户互联网",
+                           "缺少 2 处：室表、业主表.短信"};
+        QTest::newRow("orphan owner registration")
+            << "insert into 业户互联网 (ZH_ID, 属性) values (99, '业主')"
+            << "" << int(check::AllPresent)
+            << QStringList{"警告：1 条业主登记", "✓ 程序使用的每张表和每一列都在"};
+        QTest::newRow("unreachable server")
+            << ""
+            << "127.0.0.1,1" << int(check::NoConnection)
+            << QStringList{"SERVER=127.0.0.1;Port=1;", "连接       ✗ ["};
+    }
+    void faultsAreNamed() {
+        QFETCH(QString, damage);
+        QFETCH(QString, server);
+        QFETCH(int, status);
+        QFETCH(QStringList, named);
+        test::FixtureDb db;
+        if (!damage.isEmpty()) {
+            db.exec(damage);
+        }
+        if (!server.isEmpty()) {
+            platform::SaveSetting("Merivane", "DBConfig", "Svr", server);
+        }
+        QString report;
+        QTextStream out(&report);
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(check::checkWorkstation(out), status);
+        QVERIFY(timer.elapsed() < 30000);  // within the login time-out
+        for (const QString& text : named) {
+            QVERIFY2(report.contains(text), qPrintable(report));
+        }
+    }
+};
+
+QIVO_TEST_MAIN(CheckTest)
+#include "test_check.moc"
