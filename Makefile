@@ -1,7 +1,7 @@
 # The two commands are `make run` and `make test`; the rest are their steps.
 BUILD      ?= build
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
-PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc tdsodbc \
+PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc unixodbc-dev tdsodbc \
               libsqlite3-dev fonts-noto-cjk xvfb xauth
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db

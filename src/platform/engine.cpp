@@ -41,6 +41,61 @@ std::unique_ptr<RowCursor> Engine::select(QSqlDatabase& db, const QString& sql) 
     return std::make_unique<QtRowCursor>(std::move(query));
 }
 
+void Engine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                       const QVariantList& values, const QString& keyColumn,
+                       const QVariant& key) const {
+    QStringList assignments;
+    for (const QString& column : columns) {
+        assignments << quoteName(column) + QStringLiteral(" = ?");
+    }
+    QSqlQuery update(db);
+    update.prepare(
+        QStringLiteral("update %1 set %2 where %3 = ?")
+            .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn)));
+    for (const QVariant& value : values) {
+        update.addBindValue(value);
+    }
+    update.addBindValue(key);
+    if (!update.exec()) {
+        throwSqlError(update.lastError());
+    }
+}
+
+namespace {
+
+void execOrThrow(QSqlQuery& query, const QString& sql) {
+    if (!query.exec(sql)) {
+        throwSqlError(query.lastError());
+    }
+}
+
+}  // namespace
+
+void Engine::execute(QSqlDatabase& db, const QStringList& statements) const {
+    QSqlQuery query(db);
+    if (statements.size() == 1) {
+        execOrThrow(query, statements.front());
+        return;
+    }
+    if (!db.transaction()) {
+        throwSqlError(db.lastError());
+    }
+    try {
+        for (const QString& statement : statements) {
+            execOrThrow(query, statement);
+        }
+    } catch (...) {
+        query.finish();
+        db.rollback();
+        throw;
+    }
+    if (!db.commit()) {
+        const QSqlError error = db.lastError();
+        db.rollback();
+        throwSqlError(error);
+    }
+}
+
 void throwSqlError(const QSqlError& error) {
     const QString description =
         error.databaseText().isEmpty() ? error.driverText() : error.databaseText();

@@ -36,6 +36,17 @@ class Engine {
     virtual QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                                const QVariantList& values) const = 0;
 
+    // Sets the given columns of the row whose key column holds key.
+    virtual void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                           const QVariantList& values, const QString& keyColumn,
+                           const QVariant& key) const;
+
+    // Runs a command's statements in order; more than one run as one transaction.
+    virtual void execute(QSqlDatabase& db, const QStringList& statements) const;
+
+    // The value to send for text typed into a date column.
+    virtual QVariant dateValue(const QVariant& typed) const { return typed; }
+
     virtual QString quoteName(const QString& name) const = 0;
     // Runs one query for reading its rows in order.
     virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const;

@@ -16,6 +16,8 @@ class RowCursor {
     virtual bool next() = 0;
     // A column of the current row; Null is a null QVariant.
     virtual QVariant value(int column) const = 0;
+    // Whether the database declares the column as a date, for writing typed text back.
+    virtual bool isDate(int) const { return false; }
 };
 
 // A cursor over an executed Qt SQL query.

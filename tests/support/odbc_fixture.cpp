@@ -1,0 +1,34 @@
+#include "support/odbc_fixture.h"
+
+#include "platform/settings.h"
+#include "session/connection.h"
+
+namespace qivo::test {
+
+OdbcFixture::OdbcFixture(const std::function<void(FixtureDb&)>& seed) {
+    if (seed) {
+        seed(db);
+    }
+    server_ = std::make_unique<TdsServer>(db.path());
+    reconnect();
+}
+
+void OdbcFixture::reconnect() {
+    QString user = "sa", password = "secret", catalog = "qivo", source = server_->dataSource();
+    platform::SaveSetting("Merivane", "DBConfig", "Svr", source);
+    if (!Connection::OpenConnection(user, password, catalog, source)) {
+        qFatal("the stand-in server refused the connection");
+    }
+}
+
+bool useFreeTds() {
+    static QTemporaryDir directory;
+    if (!registerFreeTds(directory.path())) {
+        qWarning("FreeTDS's ODBC driver (Debian tdsodbc) is not installed");
+        return false;
+    }
+    qputenv("QIVO_ODBC_DRIVER", "FreeTDS");
+    return true;
+}
+
+}  // namespace qivo::test
