@@ -1,9 +1,9 @@
 #include "platform/engine.h"
 
 #include <QSqlError>
+#include <QSqlQuery>
 
 #include "platform/odbc_engine.h"
-#include "platform/row_cursor.h"
 #include "platform/runtime_error.h"
 #include "platform/sqlite_engine.h"
 
@@ -30,15 +30,6 @@ std::unique_ptr<Engine> engineFor(const QString& dataSource) {
         return std::make_unique<SqliteEngine>(dataSource.mid(7));
     }
     return std::make_unique<OdbcEngine>();
-}
-
-std::unique_ptr<RowCursor> Engine::select(QSqlDatabase& db, const QString& sql) const {
-    auto query = std::make_unique<QSqlQuery>(db);
-    query->setForwardOnly(true);
-    if (!query->exec(sql)) {
-        throwSqlError(query->lastError());
-    }
-    return std::make_unique<QtRowCursor>(std::move(query));
 }
 
 void Engine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,

@@ -49,7 +49,7 @@ class Engine {
 
     virtual QString quoteName(const QString& name) const = 0;
     // Runs one query for reading its rows in order.
-    virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const;
+    virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const = 0;
 
     // Throws when the database can no longer be reached by this connection.
     virtual void checkReachable() const {}

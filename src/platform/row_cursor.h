@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
-#include <memory>
 
 namespace qivo::platform {
 
@@ -18,18 +16,6 @@ class RowCursor {
     virtual QVariant value(int column) const = 0;
     // Whether the database declares the column as a date, for writing typed text back.
     virtual bool isDate(int) const { return false; }
-};
-
-// A cursor over an executed Qt SQL query.
-class QtRowCursor final : public RowCursor {
-  public:
-    explicit QtRowCursor(std::unique_ptr<QSqlQuery> executed) : query_(std::move(executed)) {}
-    QStringList columnNames() const override;
-    bool next() override { return query_->next(); }
-    QVariant value(int column) const override { return query_->value(column); }
-
-  private:
-    std::unique_ptr<QSqlQuery> query_;
 };
 
 }  // namespace qivo::platform

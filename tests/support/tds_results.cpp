@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QHash>
 #include <QRegularExpression>
+#include <memory>
 
 #include "platform/sqlite_engine.h"
 
@@ -36,15 +37,16 @@ const QHash<QString, TextType>& textTypes() {
 }
 
 QByteArray toCodePage936(const QString& text) {
+    // One converter per thread: opening one per value would be most of the server's time.
+    thread_local const std::unique_ptr<void, int (*)(iconv_t)> converter(
+        iconv_open("CP936//TRANSLIT", "UTF-8"), iconv_close);
     const QByteArray utf8 = text.toUtf8();
-    iconv_t converter = iconv_open("CP936//TRANSLIT", "UTF-8");
     QByteArray out(utf8.size() * 2 + 4, Qt::Uninitialized);
     char* in = const_cast<char*>(utf8.constData());
     size_t inLeft = utf8.size();
     char* target = out.data();
     size_t outLeft = out.size();
-    iconv(converter, &in, &inLeft, &target, &outLeft);
-    iconv_close(converter);
+    iconv(converter.get(), &in, &inLeft, &target, &outLeft);
     out.truncate(out.size() - qsizetype(outLeft));
     return out;
 }

@@ -122,6 +122,8 @@ class Session {
         sqlite3_open_v2(path.toUtf8().constData(), &db_, SQLITE_OPEN_READWRITE, nullptr);
         platform::registerSqliteFunctions(db_);
         sqlite3_busy_timeout(db_, 5000);
+        // Answers go out at once, as a server's do, not held back for the client's next packet.
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         QObject::connect(socket, &QTcpSocket::readyRead, socket, [this] { read(); });
     }
     ~Session() { sqlite3_close(db_); }
@@ -316,6 +318,7 @@ class Session {
     }
 
     void send(const QByteArray& payload) {
+        QByteArray packets;
         qsizetype offset = 0;
         do {
             const qsizetype size = qMin<qsizetype>(payload.size() - offset, kPacketSize - 8);
@@ -325,9 +328,10 @@ class Session {
             header[1] = char(last ? 0x01 : 0x00);
             qToBigEndian(quint16(size + 8), header.data() + 2);
             header[6] = char(++packetId_);
-            socket_->write(header + payload.mid(offset, size));
+            packets += header + payload.mid(offset, size);
             offset += size;
         } while (offset < payload.size());
+        socket_->write(packets);
     }
 
     QTcpSocket* socket_;
