@@ -1,6 +1,6 @@
 #include "platform/odbc_statement.h"
 
-#ifdef Q_OS_WIN
+#ifdef _WIN32
 #include <windows.h>
 #endif
 #include <sql.h>

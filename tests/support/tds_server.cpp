@@ -11,7 +11,7 @@
 #include <QTcpSocket>
 #include <QThread>
 #include <atomic>
-#include <cstring>
+#include <bit>
 #include <vector>
 
 #include "platform/sqlite_functions.h"
@@ -51,42 +51,21 @@ QString procedureName(quint16 id) {
 QVariant readParameter(Reader& in) {
     const quint8 type = in.u8();
     switch (type) {
-        case 0x26:    // intn
+        case 0x26:    // intn: whole numbers go out as bigint
         case 0x68:    // bitn
-        case 0x6D: {  // floatn
+        case 0x6D: {  // floatn: doubles
             in.u8();
             const quint8 length = in.u8();
             if (length == 0) {
                 return {};
             }
-            if (type == 0x6D) {
-                const quint64 bits = length == 8 ? in.u64() : in.u32();
-                double real;
-                if (length == 8) {
-                    std::memcpy(&real, &bits, 8);
-                } else {
-                    float single;
-                    const quint32 low = quint32(bits);
-                    std::memcpy(&single, &low, 4);
-                    real = single;
-                }
-                return real;
-            }
-            const quint64 raw = length == 8   ? in.u64()
-                                : length == 4 ? in.u32()
-                                : length == 2 ? in.u16()
-                                              : in.u8();
-            const qint64 value = length == 8   ? qint64(raw)
-                                 : length == 4 ? qint32(raw)
-                                 : length == 2 ? qint16(raw)
-                                               : qint64(raw);
-            return qlonglong(value);
+            const quint64 raw = length == 8 ? in.u64() : in.u8();
+            return type == 0x6D ? QVariant(std::bit_cast<double>(raw)) : QVariant(qlonglong(raw));
         }
-        case 0xE7:    // nvarchar
-        case 0xA7: {  // varchar
+        case 0xE7: {  // nvarchar
             const quint16 max = in.u16();
             in.skip(5);
-            if (max == 0xFFFF) {  // (max): chunks of a known or unknown total
+            if (max == 0xFFFF) {  // nvarchar(max): chunks of a known or unknown total
                 if (in.u64() == ~quint64(0)) {
                     return {};
                 }
@@ -94,14 +73,13 @@ QVariant readParameter(Reader& in) {
                 while (const quint32 chunk = in.u32()) {
                     bytes += in.take(chunk);
                 }
-                return type == 0xE7 ? Reader::fromUcs2(bytes) : QString::fromLocal8Bit(bytes);
+                return Reader::fromUcs2(bytes);
             }
             const quint16 length = in.u16();
             if (length == 0xFFFF) {
                 return {};
             }
-            const QByteArray bytes = in.take(length);
-            return type == 0xE7 ? Reader::fromUcs2(bytes) : QString::fromLocal8Bit(bytes);
+            return Reader::fromUcs2(in.take(length));
         }
         case 0x63: {  // ntext
             in.u32();
