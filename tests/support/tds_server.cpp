@@ -12,6 +12,7 @@
 #include <QThread>
 #include <atomic>
 #include <bit>
+#include <optional>
 #include <vector>
 
 #include "platform/sqlite_functions.h"
@@ -47,8 +48,9 @@ QString procedureName(quint16 id) {
     return id < std::size(names) ? QString::fromLatin1(names[id]) : QString::number(id);
 }
 
-// One parameter value of an RPC, of the types FreeTDS sends for the program's bindings.
-QVariant readParameter(Reader& in) {
+// One parameter value of an RPC, of the types FreeTDS sends for the program's bindings; nothing
+// for another type (binary, as an untyped Null would go), which the columns refuse.
+std::optional<QVariant> readParameter(Reader& in) {
     const quint8 type = in.u8();
     switch (type) {
         case 0x26:    // intn: whole numbers go out as bigint
@@ -57,7 +59,7 @@ QVariant readParameter(Reader& in) {
             in.u8();
             const quint8 length = in.u8();
             if (length == 0) {
-                return {};
+                return QVariant();
             }
             const quint64 raw = length == 8 ? in.u64() : in.u8();
             return type == 0x6D ? QVariant(std::bit_cast<double>(raw)) : QVariant(qlonglong(raw));
@@ -67,7 +69,7 @@ QVariant readParameter(Reader& in) {
             in.skip(5);
             if (max == 0xFFFF) {  // nvarchar(max): chunks of a known or unknown total
                 if (in.u64() == ~quint64(0)) {
-                    return {};
+                    return QVariant();
                 }
                 QByteArray bytes;
                 while (const quint32 chunk = in.u32()) {
@@ -77,7 +79,7 @@ QVariant readParameter(Reader& in) {
             }
             const quint16 length = in.u16();
             if (length == 0xFFFF) {
-                return {};
+                return QVariant();
             }
             return Reader::fromUcs2(in.take(length));
         }
@@ -88,7 +90,7 @@ QVariant readParameter(Reader& in) {
             return length == 0xFFFFFFFF ? QVariant() : QVariant(Reader::fromUcs2(in.take(length)));
         }
         default:
-            return QStringLiteral("<type %1>").arg(type);
+            return std::nullopt;
     }
 }
 
@@ -222,10 +224,13 @@ class Session {
         in.u16();  // options
         QList<QVariant> values;
         Parameters named;
-        while (!in.atEnd()) {
+        bool typed = true;
+        while (typed && !in.atEnd()) {
             const QString parameter = in.ucs2(in.u8());
             in.u8();  // status
-            values << readParameter(in);
+            const std::optional<QVariant> value = readParameter(in);
+            typed = value.has_value();
+            values << value.value_or(QVariant());
             named << qMakePair(parameter, values.last());
         }
         {
@@ -233,9 +238,8 @@ class Session {
             calls_ << name;
         }
         Writer out;
-        if (name == procedureName(kExecuteSql) &&
-            values.value(1).toString().contains(QStringLiteral("(0)"))) {
-            writeError(out, 1001, "Line 1: Length or precision specification 0 is invalid.");
+        if (!typed) {
+            writeError(out, 206, "Operand type clash: varbinary is incompatible with date");
         } else if (name == procedureName(kExecuteSql)) {
             // Parameters after the text and its declarations are @P1, @P2, ... in order.
             Parameters parameters;
