@@ -188,6 +188,7 @@ class OdbcScreensTest final : public QObject {
         const qsizetype before = boxes.messages.size();
         form.Command7->click();
         QCOMPARE(boxes.messages.size(), before + 2);
+        QVERIFY(boxes.messages.last().prompt.startsWith("运行时错误 '102'"));
         QVERIFY(boxes.messages.last().prompt.contains("Delect"));
         QCOMPARE(odbc.db.count("select count(*) from ZHZL"), 2);
 

@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QHash>
 #include <QRegularExpression>
+#include <algorithm>
 #include <memory>
 
 #include "platform/sqlite_engine.h"
@@ -57,37 +58,42 @@ struct Column {
     int size = 0;  // bytes
 };
 
+// The widest value of a text column: in bytes of code page 936, or in characters.
+int widest(const std::vector<QVariantList>& rows, int index, bool wide) {
+    int result = 1;
+    for (const QVariantList& row : rows) {
+        if (!row[index].isNull()) {
+            const QString text = row[index].toString();
+            result = qMax(result, int(wide ? text.size() : toCodePage936(text).size()));
+        }
+    }
+    return result;
+}
+
+bool allIntegers(const std::vector<QVariantList>& rows, int index) {
+    return std::all_of(rows.begin(), rows.end(), [index](const QVariantList& row) {
+        return row[index].isNull() || row[index].typeId() == QMetaType::LongLong;
+    });
+}
+
 // Which SQL Server type a result column has: the schema's, else one the values fit.
 Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantList>& rows) {
     Column column{QString::fromUtf8(sqlite3_column_name(statement, index))};
-    const char* origin = sqlite3_column_origin_name(statement, index);
     const QString declared = QString::fromUtf8(sqlite3_column_decltype(statement, index));
-    const QString name = QString::fromUtf8(origin);
-    bool allIntegers = true;
-    int widest = 1;
-    int widestWide = 2;
-    for (const QVariantList& row : rows) {
-        const QVariant& value = row[index];
-        if (value.isNull()) {
-            continue;
-        }
-        allIntegers = allIntegers && value.typeId() == QMetaType::LongLong;
-        widest = qMax(widest, int(toCodePage936(value.toString()).size()));
-        widestWide = qMax(widestWide, int(value.toString().size() * 2));
-    }
+    const QString name = QString::fromUtf8(sqlite3_column_origin_name(statement, index));
     if (const auto text = textTypes().constFind(name); text != textTypes().constEnd()) {
+        const bool wide = text->type == kNVarChar;
         column.type = text->type;
-        column.size =
-            text->type == kNVarChar ? qMax(text->size * 2, widestWide) : qMax(text->size, widest);
+        column.size = qMax(text->size, widest(rows, index, wide)) * (wide ? 2 : 1);
     } else if (declared.contains("DATE")) {
         column.type = kDateTimeN;
     } else if (name == "短信") {
         column.type = kBitN;
-    } else if (declared.startsWith("INTEGER") || (declared.isEmpty() && allIntegers)) {
+    } else if (declared.startsWith("INTEGER") || (declared.isEmpty() && allIntegers(rows, index))) {
         column.type = kIntN;
     } else {
         column.type = kVarChar;
-        column.size = qMax(declared.isEmpty() ? 1 : 50, widest);
+        column.size = qMax(declared.isEmpty() ? 1 : 50, widest(rows, index, false));
     }
     return column;
 }
