@@ -1,7 +1,6 @@
 #include "platform/engine.h"
 
 #include <QSqlError>
-#include <QSqlQuery>
 
 #include "platform/odbc_engine.h"
 #include "platform/runtime_error.h"
@@ -32,59 +31,14 @@ std::unique_ptr<Engine> engineFor(const QString& dataSource) {
     return std::make_unique<OdbcEngine>();
 }
 
-void Engine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
-                       const QVariantList& values, const QString& keyColumn,
-                       const QVariant& key) const {
+QString Engine::updateStatement(const QString& table, const QStringList& columns,
+                                const QString& keyColumn) const {
     QStringList assignments;
     for (const QString& column : columns) {
         assignments << quoteName(column) + QStringLiteral(" = ?");
     }
-    QSqlQuery update(db);
-    update.prepare(
-        QStringLiteral("update %1 set %2 where %3 = ?")
-            .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn)));
-    for (const QVariant& value : values) {
-        update.addBindValue(value);
-    }
-    update.addBindValue(key);
-    if (!update.exec()) {
-        throwSqlError(update.lastError());
-    }
-}
-
-namespace {
-
-void execOrThrow(QSqlQuery& query, const QString& sql) {
-    if (!query.exec(sql)) {
-        throwSqlError(query.lastError());
-    }
-}
-
-}  // namespace
-
-void Engine::execute(QSqlDatabase& db, const QStringList& statements) const {
-    QSqlQuery query(db);
-    if (statements.size() == 1) {
-        execOrThrow(query, statements.front());
-        return;
-    }
-    if (!db.transaction()) {
-        throwSqlError(db.lastError());
-    }
-    try {
-        for (const QString& statement : statements) {
-            execOrThrow(query, statement);
-        }
-    } catch (...) {
-        query.finish();
-        db.rollback();
-        throw;
-    }
-    if (!db.commit()) {
-        const QSqlError error = db.lastError();
-        db.rollback();
-        throwSqlError(error);
-    }
+    return QStringLiteral("update %1 set %2 where %3 = ?")
+        .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn));
 }
 
 void throwSqlError(const QSqlError& error) {

@@ -156,15 +156,8 @@ QVariant OdbcEngine::insertRow(QSqlDatabase& db, const QString& table, const QSt
 void OdbcEngine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                            const QVariantList& values, const QString& keyColumn,
                            const QVariant& key) const {
-    QStringList assignments;
-    for (const QString& column : columns) {
-        assignments << quoteName(column) + QStringLiteral(" = ?");
-    }
     OdbcStatement statement(connectionHandle(db));
-    statement.execute(
-        QStringLiteral("update %1 set %2 where %3 = ?")
-            .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn)),
-        values + QVariantList{key});
+    statement.execute(updateStatement(table, columns, keyColumn), values + QVariantList{key});
     statement.readAll();
 }
 

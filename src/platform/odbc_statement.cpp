@@ -8,6 +8,7 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <iterator>
 
 #include "platform/runtime_error.h"
 
