@@ -31,14 +31,6 @@ void seedAccounts(test::FixtureDb& db) {
         "(212, 2, 'qv212', '王五', null, null, '家属', '王丽', '2024-02-01')"));
 }
 
-QString remark3000() {
-    QString remark;
-    for (int i = 0; i < 3000; ++i) {
-        remark += QChar(0x4E00 + (i * 53) % 20000);
-    }
-    return remark;
-}
-
 }  // namespace
 
 class OdbcScreensTest final : public QObject {
@@ -140,7 +132,7 @@ class OdbcScreensTest final : public QObject {
     void ownerAndMemberSaves() {
         test::OdbcFixture odbc([](test::FixtureDb& db) {
             db.exec("insert into 业主表 (ZH_ID, S_ID, 姓名, 备注, 短信) values (1, 7, '王建国', '" +
-                    remark3000() +
+                    test::chineseText(3000) +
                     "', 1) "
                     "insert into ZHZL (ZL_ID, ZH_ID, ZL_xm, ZL_xb, ZL_csrq) values "
                     "(11, 1, '张三', '男', '1990-01-02')");
@@ -152,7 +144,7 @@ class OdbcScreensTest final : public QObject {
         form.Show();
         form.Frame1[0]->Tag = "1";
         form.Form_Activate();
-        QCOMPARE(form.Text2[10]->text(), remark3000());
+        QCOMPARE(form.Text2[10]->text(), test::chineseText(3000));
         QCOMPARE(form.Grid2->TextMatrix(1, 1), QString("张三"));
         QCOMPARE(form.Grid2->TextMatrix(1, 4), QString("1990-01-02"));
 
@@ -161,7 +153,7 @@ class OdbcScreensTest final : public QObject {
         form.Text2[4]->setText("2021-02-03");
         form.Command3_Click();
         const QString row = " from 业主表 where ZH_ID=1";
-        QCOMPARE(odbc.db.scalar("select 备注" + row).toString(), remark3000());
+        QCOMPARE(odbc.db.scalar("select 备注" + row).toString(), test::chineseText(3000));
         QCOMPARE(odbc.db.scalar("select 购房日期" + row).toDate(), QDate(2021, 2, 3));
         QVERIFY(odbc.db.scalar("select 固定电话" + row).isNull());
 

@@ -300,7 +300,7 @@ QVariant OdbcStatement::readValue(int column, short type) {
 // buffer, or of a length the driver does not know in advance, arrives in several pieces.
 QString OdbcStatement::readText(int column, bool& isNull) {
     QString text;
-    SQLWCHAR buffer[4096];
+    SQLWCHAR buffer[1024];
     constexpr SQLLEN kCapacity = sizeof buffer - sizeof(SQLWCHAR);
     for (;;) {
         SQLLEN indicator = 0;

@@ -25,6 +25,14 @@ void OdbcFixture::reconnect() {
     }
 }
 
+QString chineseText(int length) {
+    QString text;
+    for (int i = 0; i < length; ++i) {
+        text += QChar(0x4E00 + (i * 37) % 20000);
+    }
+    return text;
+}
+
 bool useFreeTds() {
     static QTemporaryDir directory;
     if (!registerFreeTds(directory.path())) {

@@ -23,6 +23,9 @@ class OdbcFixture {
     std::unique_ptr<TdsServer> server_;
 };
 
+// Chinese text of the given length, longer than one read of the driver when long enough.
+QString chineseText(int length);
+
 // Registers the driver for this process; false (with the reason logged) when it is missing.
 bool useFreeTds();
 
