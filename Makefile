@@ -6,8 +6,8 @@ SHELL      := /bin/bash
 MAKEFLAGS  += --no-print-directory
 QUIET_STEPS = grep --line-buffered -vE '^(\[ *[0-9]+%\] (Built target|Automatic (MOC|RCC|UIC) for)|-- )'
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
-PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc tdsodbc \
-              libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file
+PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc unixodbc-dev \
+              tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 

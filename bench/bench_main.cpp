@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 
+#include "bench_odbc.h"
 #include "bench_util.h"
 #include "platform/ado.h"
 #include "platform/engine.h"
@@ -183,6 +184,7 @@ int main(int argc, char** argv) {
             benchRecordset(path, n);
         }
     }
+    bench::benchOdbcLists(dir);
     benchGridFill();
     benchStartUp();
     return 0;

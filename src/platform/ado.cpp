@@ -5,8 +5,6 @@
 #include <QDate>
 #include <QDateTime>
 #include <QRegularExpression>
-#include <QSqlError>
-#include <QSqlQuery>
 
 #include "platform/engine.h"
 #include "platform/row_cursor.h"
@@ -33,12 +31,6 @@ QString tableOf(const QString& sql) {
         table = table.mid(1, table.size() - 2);
     }
     return table;
-}
-
-void execOrThrow(QSqlQuery& query, const QString& sql) {
-    if (!query.exec(sql)) {
-        throwSqlError(query.lastError());
-    }
 }
 
 }  // namespace
@@ -91,29 +83,7 @@ QSqlDatabase AdoConnection::database() const {
 
 void AdoConnection::Execute(const QString& sql) {
     QSqlDatabase db = database();
-    const QStringList statements = engine_->statements(sql);
-    QSqlQuery query(db);
-    if (statements.size() == 1) {
-        execOrThrow(query, statements.front());
-        return;
-    }
-    if (!db.transaction()) {
-        throwSqlError(db.lastError());
-    }
-    try {
-        for (const QString& statement : statements) {
-            execOrThrow(query, statement);
-        }
-    } catch (...) {
-        query.finish();
-        db.rollback();
-        throw;
-    }
-    if (!db.commit()) {
-        const QSqlError error = db.lastError();
-        db.rollback();
-        throwSqlError(error);
-    }
+    engine_->execute(db, engine_->statements(sql));
 }
 
 Recordset::Recordset() = default;
@@ -132,6 +102,10 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
     cursor_.reset();
     cursor_ = connection.engine().select(db, statements.value(0));
     names_ = cursor_->columnNames();
+    dates_.clear();
+    for (int i = 0; i < names_.size(); ++i) {
+        dates_.push_back(cursor_->isDate(i));
+    }
     recent_.fill({});
     exactIndex_.clear();
     index_.clear();
@@ -258,7 +232,7 @@ void Recordset::Update() {
     for (int i = 0; i < static_cast<int>(names_.size()); ++i) {
         if (dirty_[i]) {
             columns << names_[i];
-            values << values_[i];
+            values << (dates_[i] ? engine.dateValue(values_[i]) : values_[i]);
         }
     }
     if (adding_) {
@@ -270,21 +244,7 @@ void Recordset::Update() {
     const QString keyColumn = engine.identityColumn(db, table_);
     const QVariant key = values_[fieldIndex(keyColumn)];
     if (!columns.isEmpty()) {
-        QStringList assignments;
-        for (const QString& column : columns) {
-            assignments << engine.quoteName(column) + QStringLiteral(" = ?");
-        }
-        QSqlQuery update(db);
-        update.prepare(QStringLiteral("update %1 set %2 where %3 = ?")
-                           .arg(engine.quoteName(table_), assignments.join(QStringLiteral(", ")),
-                                engine.quoteName(keyColumn)));
-        for (const QVariant& value : values) {
-            update.addBindValue(value);
-        }
-        update.addBindValue(key);
-        if (!update.exec()) {
-            throwSqlError(update.lastError());
-        }
+        engine.updateRow(db, table_, columns, values, keyColumn, key);
     }
     readBack(key);
 }
@@ -297,16 +257,11 @@ void Recordset::readBack(const QVariant& key) {
     for (const QString& name : names_) {
         columns << engine.quoteName(name);
     }
-    auto query = std::make_unique<QSqlQuery>(db);
-    query->setForwardOnly(true);
-    query->prepare(QStringLiteral("select %1 from %2 where %3 = ?")
-                       .arg(columns.join(u','), engine.quoteName(table_),
-                            engine.quoteName(engine.identityColumn(db, table_))));
-    query->addBindValue(key);
-    if (!query->exec()) {
-        throwSqlError(query->lastError());
-    }
-    cursor_ = std::make_unique<QtRowCursor>(std::move(query));
+    // Keys are identities, whole numbers, so the text needs no parameter.
+    cursor_ = engine.select(db, QStringLiteral("select %1 from %2 where %3 = %4")
+                                    .arg(columns.join(u','), engine.quoteName(table_),
+                                         engine.quoteName(engine.identityColumn(db, table_)),
+                                         QString::number(key.toLongLong())));
     dirty_.assign(names_.size(), false);
     fetchNext();
 }

@@ -100,6 +100,7 @@ class Recordset final {
     mutable std::vector<QVariant> values_;
     mutable std::vector<char> loaded_;
     std::vector<bool> dirty_;
+    std::vector<bool> dates_;  // columns the database declares as dates
     bool eof_ = true;
     bool updatable_ = false;
     bool adding_ = false;

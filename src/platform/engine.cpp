@@ -3,7 +3,6 @@
 #include <QSqlError>
 
 #include "platform/odbc_engine.h"
-#include "platform/row_cursor.h"
 #include "platform/runtime_error.h"
 #include "platform/sqlite_engine.h"
 
@@ -68,13 +67,14 @@ std::unique_ptr<Engine> engineFor(const QString& dataSource) {
     return std::make_unique<OdbcEngine>();
 }
 
-std::unique_ptr<RowCursor> Engine::select(QSqlDatabase& db, const QString& sql) const {
-    auto query = std::make_unique<QSqlQuery>(db);
-    query->setForwardOnly(true);
-    if (!query->exec(sql)) {
-        throwSqlError(query->lastError());
+QString Engine::updateStatement(const QString& table, const QStringList& columns,
+                                const QString& keyColumn) const {
+    QStringList assignments;
+    for (const QString& column : columns) {
+        assignments << quoteName(column) + QStringLiteral(" = ?");
     }
-    return std::make_unique<QtRowCursor>(std::move(query));
+    return QStringLiteral("update %1 set %2 where %3 = ?")
+        .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn));
 }
 
 void throwSqlError(const QSqlError& error) {

@@ -36,12 +36,28 @@ class Engine {
     virtual QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                                const QVariantList& values) const = 0;
 
+    // Sets the given columns of the row whose key column holds key.
+    virtual void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                           const QVariantList& values, const QString& keyColumn,
+                           const QVariant& key) const = 0;
+
+    // Runs a command's statements in order; more than one run as one transaction.
+    virtual void execute(QSqlDatabase& db, const QStringList& statements) const = 0;
+
+    // The value to send for text typed into a date column.
+    virtual QVariant dateValue(const QVariant& typed) const { return typed; }
+
     virtual QString quoteName(const QString& name) const = 0;
     // Runs one query for reading its rows in order.
-    virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const;
+    virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const = 0;
 
     // Throws when the database can no longer be reached by this connection.
     virtual void checkReachable() const {}
+
+  protected:
+    // "update <table> set <column> = ?, ... where <key column> = ?" in this engine's quoting.
+    QString updateStatement(const QString& table, const QStringList& columns,
+                            const QString& keyColumn) const;
 };
 
 // "sqlite:PATH" is the embedded engine, anything else SQL Server over ODBC.

@@ -1,9 +1,12 @@
 #include "platform/odbc_engine.h"
 
+#include <QSqlDriver>
 #include <QSqlError>
-#include <QSqlQuery>
 
+#include "platform/dates.h"
 #include "platform/odbc_connection_string.h"
+#include "platform/odbc_statement.h"
+#include "platform/row_cursor.h"
 #include "platform/runtime_error.h"
 #include "platform/sql_text.h"
 
@@ -27,15 +30,39 @@ QStringList OdbcEngine::statements(const QString& sql) const {
     return splitStatements(sql);
 }
 
-QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const {
-    QSqlQuery query(db);
-    query.prepare(
-        QStringLiteral("select name from sys.identity_columns where object_id = object_id(?)"));
-    query.addBindValue(table);
-    if (!query.exec()) {
-        throwSqlError(query.lastError());
+namespace {
+
+// The ODBC connection handle under Qt's connection: statements go straight to it.
+void* connectionHandle(QSqlDatabase& db) {
+    const QVariant handle = db.driver()->handle();
+    return *static_cast<void* const*>(handle.constData());
+}
+
+}  // namespace
+
+std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& sql) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(sql);
+    return std::make_unique<OdbcCursor>(statement.readAll());
+}
+
+void OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+    if (statements.size() == 1) {
+        OdbcStatement statement(connectionHandle(db));
+        statement.execute(statements.front());
+        statement.readAll();
+        return;
     }
-    return query.next() ? query.value(0).toString() : QString();
+    runInTransaction(connectionHandle(db), statements);
+}
+
+QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(
+        QStringLiteral("select name from sys.identity_columns where object_id = object_id(?)"),
+        {table});
+    const OdbcRows rows = statement.readAll();
+    return rows.rows.empty() ? QString() : rows.rows.front().value(0).toString();
 }
 
 QVariant OdbcEngine::insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
@@ -50,18 +77,33 @@ QVariant OdbcEngine::insertRow(QSqlDatabase& db, const QString& table, const QSt
                           : QStringLiteral("insert into %1 (%2) values (%3)")
                                 .arg(quoteName(table), names.join(u','),
                                      QStringList(columns.size(), QStringLiteral("?")).join(u','));
-    QSqlQuery query(db);
-    if (!query.prepare(QStringLiteral("set nocount on; %1; select cast(scope_identity() as int)")
-                           .arg(insert))) {
-        throwSqlError(query.lastError());
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(
+        QStringLiteral("set nocount on; %1; select cast(scope_identity() as int)").arg(insert),
+        values);
+    const OdbcRows rows = statement.readAll();
+    return rows.rows.empty() ? QVariant() : rows.rows.front().value(0);
+}
+
+void OdbcEngine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                           const QVariantList& values, const QString& keyColumn,
+                           const QVariant& key) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(updateStatement(table, columns, keyColumn), values + QVariantList{key});
+    statement.readAll();
+}
+
+// Typed dates go out as yyyymmdd, which SQL Server reads the same under every login language;
+// other text goes unchanged, so the server still refuses what is not a date.
+QVariant OdbcEngine::dateValue(const QVariant& typed) const {
+    if (typed.typeId() != QMetaType::QString) {
+        return typed;
     }
-    for (const QVariant& value : values) {
-        query.addBindValue(value);
+    const std::optional<QString> iso = normalizeDate(typed.toString());
+    if (!iso) {
+        return typed;
     }
-    if (!query.exec()) {
-        throwSqlError(query.lastError());
-    }
-    return query.next() ? query.value(0) : QVariant();
+    return QString(*iso).remove(u'-');
 }
 
 QString OdbcEngine::quoteName(const QString& name) const {

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
-#include <memory>
 
 namespace qivo::platform {
 
@@ -16,18 +14,8 @@ class RowCursor {
     virtual bool next() = 0;
     // A column of the current row; Null is a null QVariant.
     virtual QVariant value(int column) const = 0;
-};
-
-// A cursor over an executed Qt SQL query.
-class QtRowCursor final : public RowCursor {
-  public:
-    explicit QtRowCursor(std::unique_ptr<QSqlQuery> executed) : query_(std::move(executed)) {}
-    QStringList columnNames() const override;
-    bool next() override { return query_->next(); }
-    QVariant value(int column) const override { return query_->value(column); }
-
-  private:
-    std::unique_ptr<QSqlQuery> query_;
+    // Whether the database declares the column as a date, for writing typed text back.
+    virtual bool isDate(int) const { return false; }
 };
 
 }  // namespace qivo::platform

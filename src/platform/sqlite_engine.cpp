@@ -89,6 +89,55 @@ QVariant SqliteEngine::insertRow(QSqlDatabase& db, const QString& table, const Q
     return query.lastInsertId();
 }
 
+void SqliteEngine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                             const QVariantList& values, const QString& keyColumn,
+                             const QVariant& key) const {
+    QSqlQuery update(db);
+    update.prepare(updateStatement(table, columns, keyColumn));
+    for (const QVariant& value : values) {
+        update.addBindValue(value);
+    }
+    update.addBindValue(key);
+    if (!update.exec()) {
+        throwSqlError(update.lastError());
+    }
+}
+
+namespace {
+
+void execOrThrow(QSqlQuery& query, const QString& sql) {
+    if (!query.exec(sql)) {
+        throwSqlError(query.lastError());
+    }
+}
+
+}  // namespace
+
+void SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+    QSqlQuery query(db);
+    if (statements.size() == 1) {
+        execOrThrow(query, statements.front());
+        return;
+    }
+    if (!db.transaction()) {
+        throwSqlError(db.lastError());
+    }
+    try {
+        for (const QString& statement : statements) {
+            execOrThrow(query, statement);
+        }
+    } catch (...) {
+        query.finish();
+        db.rollback();
+        throw;
+    }
+    if (!db.commit()) {
+        const QSqlError error = db.lastError();
+        db.rollback();
+        throwSqlError(error);
+    }
+}
+
 // An absent file is a wrong setting or a lost database, never a new empty one; and SQLite would
 // go on writing into a file removed under an open connection, losing every change.
 void SqliteEngine::checkReachable() const {

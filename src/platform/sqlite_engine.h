@@ -16,6 +16,10 @@ class SqliteEngine final : public Engine {
     QString identityColumn(QSqlDatabase& db, const QString& table) const override;
     QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                        const QVariantList& values) const override;
+    void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                   const QVariantList& values, const QString& keyColumn,
+                   const QVariant& key) const override;
+    void execute(QSqlDatabase& db, const QStringList& statements) const override;
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;

@@ -1,0 +1,46 @@
+#include "support/odbc_fixture.h"
+
+#include "platform/settings.h"
+#include "session/connection.h"
+
+namespace qivo::test {
+
+OdbcFixture::OdbcFixture(const std::function<void(FixtureDb&)>& seed) {
+    if (seed) {
+        seed(db);
+    }
+    server_ = std::make_unique<TdsServer>(db.path());
+    reconnect();
+}
+
+void OdbcFixture::reconnect() {
+    QString user = "sa", password = "secret", catalog = "qivo", source = server_->dataSource();
+    // As the settings store holds them, for the screens that connect again (sign-in).
+    platform::SaveSetting("Merivane", "DBConfig", "Svr", source);
+    platform::SaveSetting("Merivane", "DBConfig", "UID", user);
+    platform::SaveSetting("Merivane", "DBConfig", "PWD", password);
+    platform::SaveSetting("Merivane", "DBConfig", "DBname", catalog);
+    if (!Connection::OpenConnection(user, password, catalog, source)) {
+        qFatal("the stand-in server refused the connection");
+    }
+}
+
+QString chineseText(int length) {
+    QString text;
+    for (int i = 0; i < length; ++i) {
+        text += QChar(0x4E00 + (i * 37) % 20000);
+    }
+    return text;
+}
+
+bool useFreeTds() {
+    static QTemporaryDir directory;
+    if (!registerFreeTds(directory.path())) {
+        qWarning("FreeTDS's ODBC driver (Debian tdsodbc) is not installed");
+        return false;
+    }
+    qputenv("QIVO_ODBC_DRIVER", "FreeTDS");
+    return true;
+}
+
+}  // namespace qivo::test

@@ -1,0 +1,313 @@
+#include "support/tds_results.h"
+
+#include <iconv.h>
+#include <sqlite3.h>
+
+#include <QDateTime>
+#include <QHash>
+#include <QRegularExpression>
+#include <algorithm>
+#include <memory>
+
+#include "platform/sqlite_engine.h"
+
+namespace qivo::test::tds {
+namespace {
+
+constexpr quint8 kIntN = 0x26;
+constexpr quint8 kBitN = 0x68;
+constexpr quint8 kDateTimeN = 0x6F;
+constexpr quint8 kVarChar = 0xA7;
+constexpr quint8 kNVarChar = 0xE7;
+// Chinese_PRC_CI_AS: locale 0x0804 (code page 936), case-, kana- and width-insensitive.
+constexpr char kCollation[5] = {0x04, 0x08, char(0xD0), 0x00, 0x00};
+
+// Text columns of the estate schema whose SQL Server type is not varchar(50), with sizes the
+// test values fill: in bytes of code page 936 for varchar, in characters for nvarchar.
+struct TextType {
+    quint8 type;
+    int size;
+};
+const QHash<QString, TextType>& textTypes() {
+    static const QHash<QString, TextType> types = {
+        {"姓名", {kVarChar, 8}},     {"GYD_Name", {kVarChar, 8}}, {"备注", {kVarChar, 8000}},
+        {"ZL_bz", {kVarChar, 8000}}, {"Qivo号", {kNVarChar, 12}}, {"ZL_xm", {kNVarChar, 2}},
+        {"说明", {kNVarChar, 10}},
+    };
+    return types;
+}
+
+QByteArray toCodePage936(const QString& text) {
+    // One converter per thread: opening one per value would be most of the server's time.
+    thread_local const std::unique_ptr<void, int (*)(iconv_t)> converter(
+        iconv_open("CP936//TRANSLIT", "UTF-8"), iconv_close);
+    const QByteArray utf8 = text.toUtf8();
+    QByteArray out(utf8.size() * 2 + 4, Qt::Uninitialized);
+    char* in = const_cast<char*>(utf8.constData());
+    size_t inLeft = utf8.size();
+    char* target = out.data();
+    size_t outLeft = out.size();
+    iconv(converter.get(), &in, &inLeft, &target, &outLeft);
+    out.truncate(out.size() - qsizetype(outLeft));
+    return out;
+}
+
+struct Column {
+    QString name;
+    quint8 type = kIntN;
+    int size = 0;  // bytes
+};
+
+// The widest value of a text column: in bytes of code page 936, or in characters.
+int widest(const std::vector<QVariantList>& rows, int index, bool wide) {
+    int result = 1;
+    for (const QVariantList& row : rows) {
+        if (!row[index].isNull()) {
+            const QString text = row[index].toString();
+            result = qMax(result, int(wide ? text.size() : toCodePage936(text).size()));
+        }
+    }
+    return result;
+}
+
+bool allIntegers(const std::vector<QVariantList>& rows, int index) {
+    return std::all_of(rows.begin(), rows.end(), [index](const QVariantList& row) {
+        return row[index].isNull() || row[index].typeId() == QMetaType::LongLong;
+    });
+}
+
+// Which SQL Server type a result column has: the schema's, else one the values fit.
+Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantList>& rows) {
+    Column column{QString::fromUtf8(sqlite3_column_name(statement, index))};
+    const QString declared = QString::fromUtf8(sqlite3_column_decltype(statement, index));
+    const QString name = QString::fromUtf8(sqlite3_column_origin_name(statement, index));
+    if (const auto text = textTypes().constFind(name); text != textTypes().constEnd()) {
+        const bool wide = text->type == kNVarChar;
+        column.type = text->type;
+        column.size = qMax(text->size, widest(rows, index, wide)) * (wide ? 2 : 1);
+    } else if (declared.contains("DATE")) {
+        column.type = kDateTimeN;
+    } else if (name == "短信") {
+        column.type = kBitN;
+    } else if (declared.startsWith("INTEGER") || (declared.isEmpty() && allIntegers(rows, index))) {
+        column.type = kIntN;
+    } else {
+        column.type = kVarChar;
+        column.size = qMax(declared.isEmpty() ? 1 : 50, widest(rows, index, false));
+    }
+    return column;
+}
+
+void writeColumns(Writer& out, const QList<Column>& columns) {
+    out.u8(kTokenColumns);
+    out.u16(quint16(columns.size()));
+    for (const Column& column : columns) {
+        out.u32(0);       // user type
+        out.u16(0x0009);  // nullable, updatable
+        out.u8(column.type);
+        switch (column.type) {
+            case kIntN:
+                out.u8(4);
+                break;
+            case kBitN:
+                out.u8(1);
+                break;
+            case kDateTimeN:
+                out.u8(8);
+                break;
+            default:
+                out.u16(quint16(column.size));
+                out.data.append(kCollation, sizeof kCollation);
+        }
+        out.bVarchar(column.name);
+    }
+}
+
+void writeValue(Writer& out, const Column& column, const QVariant& value) {
+    const bool isNull = value.isNull();
+    switch (column.type) {
+        case kIntN:
+            out.u8(isNull ? 0 : 4);
+            if (!isNull) {
+                out.u32(quint32(value.toLongLong()));
+            }
+            return;
+        case kBitN:
+            out.u8(isNull ? 0 : 1);
+            if (!isNull) {
+                out.u8(value.toLongLong() != 0);
+            }
+            return;
+        case kDateTimeN: {
+            const QString text = value.toString();
+            const QDateTime moment = text.size() > 10
+                                         ? QDateTime::fromString(text, "yyyy-MM-dd HH:mm:ss")
+                                         : QDateTime(QDate::fromString(text, Qt::ISODate), {});
+            if (isNull || !moment.isValid()) {
+                out.u8(0);
+                return;
+            }
+            out.u8(8);
+            out.u32(quint32(QDate(1900, 1, 1).daysTo(moment.date())));
+            out.u32(quint32(qint64(moment.time().msecsSinceStartOfDay()) * 300 / 1000));
+            return;
+        }
+        default: {
+            if (isNull) {
+                out.u16(0xFFFF);
+                return;
+            }
+            const QString text = value.toString();
+            const QByteArray bytes =
+                column.type == kVarChar
+                    ? toCodePage936(text)
+                    : QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+            out.u16(quint16(bytes.size()));
+            out.data.append(bytes);
+        }
+    }
+}
+
+QVariant columnValue(sqlite3_stmt* statement, int index) {
+    switch (sqlite3_column_type(statement, index)) {
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_INTEGER:
+            return qlonglong(sqlite3_column_int64(statement, index));
+        case SQLITE_FLOAT:
+            return sqlite3_column_double(statement, index);
+        default:
+            return QString::fromUtf8(
+                reinterpret_cast<const char*>(sqlite3_column_text(statement, index)));
+    }
+}
+
+void bind(sqlite3_stmt* statement, const Parameters& parameters) {
+    for (const auto& [name, value] : parameters) {
+        const int index = sqlite3_bind_parameter_index(statement, name.toUtf8().constData());
+        if (index == 0) {
+            continue;
+        }
+        if (value.isNull()) {
+            sqlite3_bind_null(statement, index);
+        } else if (value.typeId() == QMetaType::LongLong) {
+            sqlite3_bind_int64(statement, index, value.toLongLong());
+        } else if (value.typeId() == QMetaType::Double) {
+            sqlite3_bind_double(statement, index, value.toDouble());
+        } else {
+            const QByteArray text = value.toString().toUtf8();
+            sqlite3_bind_text(statement, index, text.constData(), int(text.size()),
+                              SQLITE_TRANSIENT);
+        }
+    }
+}
+
+// The server's error for what the embedded engine refused.
+void writeSqliteError(Writer& out, const QString& message) {
+    static const QRegularExpression near(R"re(near "([^"]*)": syntax error)re");
+    if (const auto match = near.match(message); match.hasMatch()) {
+        writeError(out, 102, QStringLiteral("Incorrect syntax near '%1'.").arg(match.captured(1)));
+    } else if (message.startsWith("no such table: ")) {
+        writeError(out, 208, QStringLiteral("Invalid object name '%1'.").arg(message.mid(15)));
+    } else if (message.startsWith("no such column: ")) {
+        writeError(out, 207, QStringLiteral("Invalid column name '%1'.").arg(message.mid(16)));
+    } else if (message == platform::dateConversionMessage()) {
+        writeError(out, 241,
+                   "Conversion failed when converting date and/or time from character string.");
+    } else if (message.startsWith("UNIQUE constraint failed")) {
+        writeError(out, 2627, "Violation of PRIMARY KEY constraint. " + message);
+    } else {
+        writeError(out, 50000, message);
+    }
+}
+
+// The few T-SQL forms the program sends that the translation leaves to the server.
+QString serverForms(QString statement) {
+    statement.replace("scope_identity()", "last_insert_rowid()", Qt::CaseInsensitive);
+    statement.replace("sys.identity_columns where object_id = object_id(@P1)",
+                      "pragma_table_info(@P1) where pk = 1");
+    return statement;
+}
+
+bool isSessionSetting(const QString& statement) {
+    return statement.startsWith("set ", Qt::CaseInsensitive) ||
+           statement.startsWith("use ", Qt::CaseInsensitive);
+}
+
+}  // namespace
+
+void writeDone(Writer& out, quint8 token, quint16 status, quint64 count) {
+    out.u8(token);
+    out.u16(status);
+    out.u16(0xC1);
+    out.u64(count);
+}
+
+void writeError(Writer& out, quint32 number, const QString& message) {
+    const qsizetype start = out.beginToken(kTokenError);
+    out.u32(number);
+    out.u8(1);   // state
+    out.u8(16);  // severity of a user error
+    out.usVarchar(message);
+    out.bVarchar("QIVOTEST");
+    out.bVarchar("");
+    out.u32(1);
+    out.endToken(start);
+}
+
+bool runText(sqlite3* db, const QString& text, const Parameters& parameters, bool inProcedure,
+             Writer& out) {
+    const quint8 done = inProcedure ? kTokenDoneInProc : kTokenDone;
+    const QStringList statements = platform::SqliteEngine(QString()).statements(text);
+    for (const QString& statement : statements) {
+        if (isSessionSetting(statement)) {
+            writeDone(out, done, kDoneMore);
+            continue;
+        }
+        sqlite3_stmt* prepared = nullptr;
+        const QByteArray utf8 = serverForms(statement).toUtf8();
+        if (sqlite3_prepare_v2(db, utf8.constData(), int(utf8.size()), &prepared, nullptr) !=
+            SQLITE_OK) {
+            writeSqliteError(out, QString::fromUtf8(sqlite3_errmsg(db)));
+            writeDone(out, done, kDoneError | kDoneMore);
+            return false;
+        }
+        bind(prepared, parameters);
+        std::vector<QVariantList> rows;
+        const int columnCount = sqlite3_column_count(prepared);
+        int step;
+        while ((step = sqlite3_step(prepared)) == SQLITE_ROW) {
+            QVariantList row;
+            for (int c = 0; c < columnCount; ++c) {
+                row << columnValue(prepared, c);
+            }
+            rows.push_back(std::move(row));
+        }
+        if (step != SQLITE_DONE) {
+            writeSqliteError(out, QString::fromUtf8(sqlite3_errmsg(db)));
+            sqlite3_finalize(prepared);
+            writeDone(out, done, kDoneError | kDoneMore);
+            return false;
+        }
+        if (columnCount > 0) {
+            QList<Column> columns;
+            for (int c = 0; c < columnCount; ++c) {
+                columns << describe(prepared, c, rows);
+            }
+            writeColumns(out, columns);
+            for (const QVariantList& row : rows) {
+                out.u8(kTokenRow);
+                for (int c = 0; c < columnCount; ++c) {
+                    writeValue(out, columns[c], row[c]);
+                }
+            }
+            writeDone(out, done, kDoneMore | kDoneCount, rows.size());
+        } else {
+            writeDone(out, done, kDoneMore | kDoneCount, quint64(sqlite3_changes(db)));
+        }
+        sqlite3_finalize(prepared);
+    }
+    return true;
+}
+
+}  // namespace qivo::test::tds

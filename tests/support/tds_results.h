@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QVariant>
+
+#include "support/tds_wire.h"
+
+struct sqlite3;
+
+namespace qivo::test::tds {
+
+using Parameters = QList<QPair<QString, QVariant>>;  // "@P1" -> value
+
+// Runs a request's SQL text on the embedded database and writes what SQL Server answers: for
+// each statement its columns, rows and DONE (DONEINPROC inside a procedure call); at the first
+// failing statement its error, and the rest of the text is not run. Every DONE written says more
+// follows: the caller ends the answer. Returns whether every statement ran.
+bool runText(sqlite3* db, const QString& text, const Parameters& parameters, bool inProcedure,
+             Writer& out);
+
+void writeDone(Writer& out, quint8 token, quint16 status, quint64 count = 0);
+void writeError(Writer& out, quint32 number, const QString& message);
+
+}  // namespace qivo::test::tds

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace qivo::test {
+
+// A stand-in SQL Server on 127.0.0.1 for the ODBC tests and benchmarks. It speaks as much TDS
+// 7.3 as FreeTDS's ODBC driver needs for the program's statements, runs each statement on an
+// embedded database file through the program's own translation, and declares result columns
+// with the SQL Server types of the estate schema (Chinese text in varchar of code page 936 or
+// in nvarchar, sized so the test values fill them). Server cursors are refused, so a request
+// for one fails the test that made it.
+class TdsServer final {
+  public:
+    explicit TdsServer(const QString& databasePath);
+    ~TdsServer();
+    TdsServer(const TdsServer&) = delete;
+    TdsServer& operator=(const TdsServer&) = delete;
+
+    // The data source the program's settings take: "127.0.0.1,PORT".
+    QString dataSource() const;
+    // Logins made from now on read dates given as text in day-month order, as a British or
+    // German login language does.
+    void setDayFirstLogins(bool dayFirst);
+    // Time spent answering requests: running statements and encoding their results.
+    qint64 busyNanoseconds() const;
+    // The remote procedures called so far, by name.
+    QStringList procedureCalls() const;
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+// Makes FreeTDS's ODBC driver known to this process as "FreeTDS", through an odbcinst.ini in
+// directory, leaving the system's own registration alone. False when the driver is missing.
+bool registerFreeTds(const QString& directory);
+
+}  // namespace qivo::test

@@ -1,0 +1,203 @@
+// The screens on SQL Server: sign-in, review, register and owner flows through FreeTDS's ODBC
+// driver to the stand-in server.
+#include <QListWidget>
+#include <memory>
+
+#include "owner/owner_form.h"
+#include "register/register_form.h"
+#include "review/review_form.h"
+#include "session/connection.h"
+#include "session/login_form.h"
+#include "session/main_screen.h"
+#include "session/session_values.h"
+#include "support/account_fixture.h"
+#include "support/grid_actions.h"
+#include "support/odbc_fixture.h"
+
+using namespace qivo;
+
+namespace {
+
+// Registrations 101 (pending, a name filling its varchar column, a Qivo号 outside GBK), 102
+// (pending), 201 (approved) with member accounts 211 and 212 in the same household.
+void seedAccounts(test::FixtureDb& db) {
+    test::writeEstates(db);
+    db.exec(QString::fromUtf8(
+        "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 身份证, 手机, 属性, 审核人, 审核日期) "
+        "values (101, 1, 'qv\u4DAE101', '欧阳建国', '330101', '13900000001', '业主', null, null),"
+        "(102, 3, 'qv102', '张伟', null, null, '业主', null, null),"
+        "(201, 2, 'qv201', '李娜', '330102', null, '业主', '王丽', '2024-01-02'),"
+        "(211, 2, 'qv211', '李四', null, null, '家属', '王丽', '2024-02-01'),"
+        "(212, 2, 'qv212', '王五', null, null, '家属', '王丽', '2024-02-01')"));
+}
+
+}  // namespace
+
+class OdbcScreensTest final : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void initTestCase() { QVERIFY(test::useFreeTds()); }
+
+    // The staff row is still open when the posts are read.
+    void signInWithOneAndTwoPosts() {
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            db.exec(
+                "insert into 职能部门类别 values ('C1', '管理部门');"
+                "insert into 职能部门new values ('D1', '客服中心', 'C1'), ('D2', '工程部', 'C1');"
+                "insert into 岗位类别 values ('K1', '管理岗');"
+                "insert into 岗位信息new values ('P1', '客服主管', 'D1', 'K1'),"
+                " ('P2', '维修员', 'D2', 'K1');"
+                "insert into 员工档案 (工号, 帐号密码, 姓名) values ('1001', 'pw', '欧阳丽娜'),"
+                " ('1002', 'pw', '李强');"
+                "insert into 岗位员工new values ('1001', 'P1', 1, null), ('1002', 'P1', 1, null),"
+                " ('1002', 'P2', 0, null)");
+        });
+        test::MsgBoxRecorder boxes;
+        int mainScreens = 0;
+        showMainScreen = [&mainScreens] { ++mainScreens; };
+        {
+            frmLogin form;
+            form.Show();
+            form.TxtUser->setText("1001");
+            form.txtPassword->setText("pw");
+            form.cmdOK->click();
+            QCOMPARE(mainScreens, 1);
+            QCOMPARE(CurrentUserName, QString("欧阳丽娜"));
+            QCOMPARE(CurrentPostName, QString("客服主管"));
+        }
+        frmLogin form;
+        form.Show();
+        form.TxtUser->setText("1002");
+        form.txtPassword->setText("pw");
+        form.cmdOK->click();
+        QCOMPARE(form.List1->count(), 2);
+        form.List1->setCurrentRow(0);
+        form.List1_DblClick();
+        QCOMPARE(mainScreens, 2);
+        QCOMPARE(CurrentUserName, QString("李强"));
+        QVERIFY(boxes.messages.isEmpty());
+        showMainScreen = nullptr;
+    }
+
+    void reviewListOpenApproveReject() {
+        test::OdbcFixture odbc(seedAccounts);
+        test::MsgBoxRecorder boxes;
+        CurrentUserName = QStringLiteral("王丽");
+        frmQivo账号审核 form;
+        form.Show();
+        platform::FlexGrid& grid = *form.MSFlexGrid1;
+        QCOMPARE(test::rowKeys(grid), QList<qint32>({102, 101}));
+        QCOMPARE(grid.TextMatrix(2, 4), QString("欧阳建国"));
+        QCOMPARE(grid.TextMatrix(2, 2), QString("10栋101室"));
+        test::clickCell(grid, 2, 7);
+        QVERIFY(form.Picture1->isVisible());
+        QCOMPARE(form.Text1[0]->text(), QString::fromUtf8("qv\u4DAE101"));
+        form.Command3->click();
+        QCOMPARE(odbc.db.scalar("select 审核人 from 业户互联网 where HLWID = 101").toString(),
+                 QString("王丽"));
+        QCOMPARE(odbc.db.scalar("select 审核日期 from 业户互联网 where HLWID = 101").toDate(),
+                 QDate::currentDate());
+        QCOMPARE(test::rowKeys(grid), QList<qint32>({102}));
+        grid.setRow(1);
+        form.Command1_Click();
+        QCOMPARE(odbc.db.count("select count(*) from 业户互联网 where HLWID = 102"), 0);
+        QCOMPARE(boxes.messages.size(), 2);  // the two questions
+    }
+
+    // The three deletes of a termination stand or fall together.
+    void registerTerminationAllOrNothing() {
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            seedAccounts(db);
+            db.exec(
+                "create trigger keep_212 before delete on 业户互联网 when old.HLWID = 212 "
+                "and (select count(*) from 员工档案) = 0 "
+                "begin select raise(abort, 'account 212 is locked'); end");
+        });
+        test::MsgBoxRecorder boxes;
+        frmQivo账号一览表 form;
+        form.Show();
+        QCOMPARE(test::rowKeys(*form.MSFlexGrid1), QList<qint32>({201}));
+        test::clickCell(*form.MSFlexGrid1, 1, 8);
+        QCOMPARE(form.Text2[0]->text(), QString("李娜"));
+        form.Command1->click();
+        QCOMPARE(boxes.messages.size(), 3);  // two questions, then the error path
+        QCOMPARE(odbc.db.count("select count(*) from 业户互联网"), 5);
+        odbc.db.exec("insert into 员工档案 (工号) values ('unlock')");
+        form.Command1->click();
+        QCOMPARE(odbc.db.count("select count(*) from 业户互联网"), 2);
+        QCOMPARE(form.MSFlexGrid1->Rows(), 1);
+    }
+
+    void ownerAndMemberSaves() {
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            db.exec("insert into 业主表 (ZH_ID, S_ID, 姓名, 备注, 短信) values (1, 7, '王建国', '" +
+                    test::chineseText(3000) +
+                    "', 1) "
+                    "insert into ZHZL (ZL_ID, ZH_ID, ZL_xm, ZL_xb, ZL_csrq) values "
+                    "(11, 1, '张三', '男', '1990-01-02')");
+        });
+        odbc.server().setDayFirstLogins(true);
+        odbc.reconnect();
+        test::MsgBoxRecorder boxes;
+        frm业户信息 form;
+        form.Show();
+        form.Frame1[0]->Tag = "1";
+        form.Form_Activate();
+        QCOMPARE(form.Text2[10]->text(), test::chineseText(3000));
+        QCOMPARE(form.Grid2->TextMatrix(1, 1), QString("张三"));
+        QCOMPARE(form.Grid2->TextMatrix(1, 4), QString("1990-01-02"));
+
+        // Owner update: an emptied box, a typed date, the long remark saved back unchanged.
+        form.Text2[1]->setText({});
+        form.Text2[4]->setText("2021-02-03");
+        form.Command3_Click();
+        const QString row = " from 业主表 where ZH_ID=1";
+        QCOMPARE(odbc.db.scalar("select 备注" + row).toString(), test::chineseText(3000));
+        QCOMPARE(odbc.db.scalar("select 购房日期" + row).toDate(), QDate(2021, 2, 3));
+        QVERIFY(odbc.db.scalar("select 固定电话" + row).isNull());
+
+        // Member update and a new member with empty boxes.
+        QTest::mouseClick(form.Grid2->viewport(), Qt::LeftButton, {},
+                          form.Grid2->cellRect(1, 1).center());
+        form.Text3[0]->setText("张三丰");
+        form.Text3[2]->setText("1990-01-03");
+        form.Command5_Click();
+        QCOMPARE(odbc.db.scalar("select ZL_xm from ZHZL where ZL_ID=11").toString(), "张三丰");
+        QCOMPARE(odbc.db.scalar("select ZL_csrq from ZHZL where ZL_ID=11").toDate(),
+                 QDate(1990, 1, 3));
+        form.Command6_Click();
+        form.Combo4->setCurrentIndex(-1);
+        form.Combo5->setCurrentIndex(-1);
+        form.Command5_Click();
+        QCOMPARE(odbc.db.count("select count(*) from ZHZL where ZH_ID=1"), 2);
+        QCOMPARE(form.Grid2->Rows(), 3);
+
+        // The misspelt delete reaches the error path with the server's syntax error; the
+        // connection goes on serving.
+        QTest::mouseClick(form.Grid2->viewport(), Qt::LeftButton, {},
+                          form.Grid2->cellRect(1, 1).center());
+        const qsizetype before = boxes.messages.size();
+        form.Command7->click();
+        QCOMPARE(boxes.messages.size(), before + 2);
+        QVERIFY(boxes.messages.last().prompt.startsWith("运行时错误 '102'"));
+        QVERIFY(boxes.messages.last().prompt.contains("Delect"));
+        QCOMPARE(odbc.db.count("select count(*) from ZHZL"), 2);
+
+        // A new owner is stored once and then updated.
+        form.Frame1[0]->Tag = QString();
+        form.Form_Activate();
+        form.Frame1[1]->Tag = "9";
+        form.Text2[0]->setText("欧阳建国");
+        form.Command3_Click();
+        const QString key = form.Frame1[0]->Tag;
+        QVERIFY(key.toInt() > 1);
+        form.Text2[0]->setText("赵六");
+        form.Command3_Click();
+        QCOMPARE(odbc.db.count("select count(*) from 业主表"), 2);
+        QCOMPARE(odbc.db.scalar("select 姓名 from 业主表 where ZH_ID=" + key).toString(), "赵六");
+    }
+};
+
+QIVO_TEST_MAIN(OdbcScreensTest)
+#include "test_odbc_screens.moc"
