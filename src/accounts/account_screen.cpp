@@ -5,6 +5,7 @@
 
 #include "platform/ado.h"
 #include "platform/error_path.h"
+#include "platform/grid_field.h"
 #include "platform/twips.h"
 #include "session/connection.h"
 #include "session/session_values.h"
@@ -241,12 +242,11 @@ void AccountScreen::fillList(
         const int row = MSFlexGrid1->Rows() - 1;
         MSFlexGrid1->setRow(row);
         MSFlexGrid1->setRowData(row, record.Fields(QStringLiteral("HLWID")).toInt());
-        MSFlexGrid1->setTextMatrix(row, keyCol,
-                                   platform::fieldText(record.Fields(QStringLiteral("Zh_id"))));
+        platform::setCellFromField(*MSFlexGrid1, row, keyCol, record, QStringLiteral("Zh_id"));
         MSFlexGrid1->setTextMatrix(row, 0, QString::number(row));
         for (qsizetype i = 0; i < listColumns.size(); ++i) {
-            MSFlexGrid1->setTextMatrix(row, static_cast<int>(i) + 1,
-                                       platform::fieldText(record.Fields(listColumns[i])));
+            platform::setCellFromField(*MSFlexGrid1, row, static_cast<int>(i) + 1, record,
+                                       listColumns[i]);
         }
         finishRow(row, record);
         if (row % 2 == 0) {

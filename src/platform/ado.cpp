@@ -224,6 +224,15 @@ QVariant Recordset::field(int index) const {
     return valueAt(index);
 }
 
+std::optional<QByteArrayView> Recordset::fieldUtf8(const QString& name) const {
+    requireRecord();
+    const int index = fieldIndex(name);
+    if (updatable_ || !cursor_) {
+        return std::nullopt;
+    }
+    return cursor_->utf8(index);
+}
+
 void Recordset::AddNew() {
     if (!updatable_) {
         throw RuntimeError(err::ProviderError, QStringLiteral("当前记录集不支持更新。"));

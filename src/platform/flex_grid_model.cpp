@@ -1,6 +1,10 @@
 #include "platform/flex_grid_model.h"
 
 #include <QColor>
+#include <QStringEncoder>
+#include <algorithm>
+#include <cstring>
+#include <string_view>
 
 namespace qivo::platform {
 
@@ -23,9 +27,32 @@ Qt::Alignment toQt(int code) {
     return horizontal[code / 3] | vertical[code % 3];
 }
 
+char lowerLatin(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Bytes of a multi-byte UTF-8 character are never ASCII, so folding ASCII letters byte by byte
+// leaves Chinese text as it is and matches only at character boundaries.
+bool containsFolded(std::string_view text, std::string_view lowerNeedle) {
+    if (lowerNeedle.size() > text.size()) {
+        return false;
+    }
+    const std::size_t last = text.size() - lowerNeedle.size();
+    for (std::size_t i = 0; i <= last; ++i) {
+        std::size_t k = 0;
+        while (k < lowerNeedle.size() && lowerLatin(text[i + k]) == lowerNeedle[k]) {
+            ++k;
+        }
+        if (k == lowerNeedle.size()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
-FlexGridModel::FlexGridModel() : rows_(1), columns_(0) {}
+FlexGridModel::FlexGridModel() : rows_(1) {}
 
 void FlexGridModel::setRows(int rows) {
     const int old = this->rows();
@@ -37,9 +64,14 @@ void FlexGridModel::setRows(int rows) {
     } else if (live_) {
         beginRemoveRows({}, rows - 1, old - 2);
     }
+    if (rows < old) {
+        forget(ucell(rows, 0), cells_.size());
+    }
     rows_.resize(static_cast<std::size_t>(rows));
-    for (int r = old; r < rows; ++r) {
-        at(r).text.resize(columns_.size());
+    cells_.resize(ucell(rows, 0));
+    if (rows < old) {
+        dropUnusedSpills();
+        collectGarbage();
     }
     if (live_ && rows > old) {
         endInsertRows();
@@ -52,16 +84,28 @@ void FlexGridModel::setCols(int cols) {
     if (live_) {
         beginResetModel();
     }
-    columns_.resize(ucol(cols));
-    for (Row& row : rows_) {
-        row.text.resize(ucol(cols));
-        if (!row.fore.empty()) {
-            row.fore.resize(ucol(cols), kNoColor);
-        }
-        if (!row.back.empty()) {
-            row.back.resize(ucol(cols), kNoColor);
+    std::vector<Cell> relaid(static_cast<std::size_t>(rows()) * ucol(cols));
+    for (int row = 0; row < rows(); ++row) {
+        for (int col = 0; col < cols_; ++col) {
+            const Cell& old = cell(row, col);
+            if (col < cols) {
+                relaid[static_cast<std::size_t>(row) * ucol(cols) + ucol(col)] = old;
+            } else {
+                garbage_ += old.size;
+            }
         }
     }
+    cells_.swap(relaid);
+    cols_ = cols;
+    columns_.resize(ucol(cols));
+    for (std::vector<quint32>& spill : spills_) {
+        spill.resize(ucol(cols), kNoColor);
+    }
+    for (Row& row : rows_) {
+        row.fore.last = std::min(row.fore.last, cols - 1);
+        row.back.last = std::min(row.back.last, cols - 1);
+    }
+    collectGarbage();
     if (live_) {
         endResetModel();
     }
@@ -71,22 +115,113 @@ void FlexGridModel::removeGridRow(int row) {
     if (live_) {
         beginRemoveRows({}, row - 1, row - 1);
     }
+    const auto first = static_cast<std::ptrdiff_t>(ucell(row, 0));
+    forget(ucell(row, 0), ucell(row + 1, 0));
+    cells_.erase(cells_.begin() + first, cells_.begin() + first + cols_);
     rows_.erase(rows_.begin() + row);
+    dropUnusedSpills();
+    collectGarbage();
     if (live_) {
         endRemoveRows();
     }
 }
 
-void FlexGridModel::setText(int row, int col, const QString& text) {
-    at(row).text[ucol(col)] = text;
+QUtf8StringView FlexGridModel::utf8(int row, int col) const {
+    const Cell& stored = cells_[ucell(row, col)];
+    return {bytes_.data() + stored.offset, static_cast<qsizetype>(stored.size)};
+}
+
+void FlexGridModel::setText(int row, int col, QStringView text) {
+    // Short texts, nearly all of them, go through the stack instead of a QByteArray.
+    char buffer[512];
+    QStringEncoder toUtf8(QStringEncoder::Utf8);
+    if (toUtf8.requiredSpace(text.size()) <= qsizetype(sizeof buffer)) {
+        const char* end = toUtf8.appendToBuffer(buffer, text);
+        store(cell(row, col), buffer, static_cast<std::size_t>(end - buffer));
+    } else {
+        const QByteArray bytes = text.toUtf8();
+        store(cell(row, col), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    }
     cellChanged(row, col, Qt::DisplayRole);
 }
 
-quint32 FlexGridModel::colorOf(const std::vector<quint32>& colors, int col) {
-    if (colors.empty() || colors[ucol(col)] == kNoColor) {
-        return 0;
+void FlexGridModel::setText(int row, int col, QUtf8StringView text) {
+    const char* bytes = text.data();
+    const bool ownBytes =
+        !bytes_.empty() && bytes >= bytes_.data() && bytes < bytes_.data() + bytes_.size();
+    if (ownBytes) {
+        const QByteArray copy(bytes, text.size());
+        store(cell(row, col), copy.constData(), static_cast<std::size_t>(copy.size()));
+    } else {
+        store(cell(row, col), bytes, static_cast<std::size_t>(text.size()));
     }
-    return colors[ucol(col)];
+    cellChanged(row, col, Qt::DisplayRole);
+}
+
+void FlexGridModel::store(Cell& target, const char* bytes, std::size_t size) {
+    if (size <= target.size) {
+        std::memcpy(bytes_.data() + target.offset, bytes, size);
+        garbage_ += target.size - size;
+        target.size = static_cast<quint32>(size);
+        return;
+    }
+    garbage_ += target.size;
+    target.offset = static_cast<quint32>(bytes_.size());
+    target.size = static_cast<quint32>(size);
+    bytes_.insert(bytes_.end(), bytes, bytes + size);
+    collectGarbage();
+}
+
+void FlexGridModel::forget(std::size_t firstCell, std::size_t endCell) {
+    for (std::size_t i = firstCell; i < endCell; ++i) {
+        garbage_ += cells_[i].size;
+    }
+}
+
+// Rewritten and removed cells leave their bytes behind; once those are the larger part, the
+// store is rebuilt from the cells still there.
+void FlexGridModel::collectGarbage() {
+    if (garbage_ == 0 || garbage_ * 2 < bytes_.size()) {
+        return;
+    }
+    std::vector<char> kept;
+    kept.reserve(bytes_.size() - garbage_);
+    for (Cell& stored : cells_) {
+        const auto offset = static_cast<quint32>(kept.size());
+        kept.insert(kept.end(), bytes_.begin() + stored.offset,
+                    bytes_.begin() + stored.offset + stored.size);
+        stored.offset = offset;
+    }
+    bytes_.swap(kept);
+    garbage_ = 0;
+}
+
+void FlexGridModel::dropUnusedSpills() {
+    if (spills_.empty()) {
+        return;
+    }
+    std::vector<std::vector<quint32>> kept;
+    for (Row& row : rows_) {
+        for (Colors* colors : {&row.fore, &row.back}) {
+            if (colors->spill >= 0) {
+                kept.push_back(std::move(spills_[static_cast<std::size_t>(colors->spill)]));
+                colors->spill = static_cast<qint32>(kept.size()) - 1;
+            }
+        }
+    }
+    spills_.swap(kept);
+}
+
+quint32 FlexGridModel::storedColor(const Colors& colors, int col) const {
+    if (colors.spill >= 0) {
+        return spills_[static_cast<std::size_t>(colors.spill)][ucol(col)];
+    }
+    return col >= colors.first && col <= colors.last ? colors.color : kNoColor;
+}
+
+quint32 FlexGridModel::colorOf(const Colors& colors, int col) const {
+    const quint32 color = storedColor(colors, col);
+    return color == kNoColor ? 0 : color;
 }
 
 void FlexGridModel::setForeColor(int row, int col, quint32 bgr) {
@@ -97,12 +232,24 @@ void FlexGridModel::setBackColor(int row, int col, quint32 bgr) {
     setColor(at(row).back, row, col, bgr, Qt::BackgroundRole);
 }
 
-void FlexGridModel::setColor(std::vector<quint32>& colors, int row, int col, quint32 bgr,
-                             int role) {
-    if (colors.empty()) {
-        colors.assign(columns_.size(), kNoColor);
+void FlexGridModel::setColor(Colors& colors, int row, int col, quint32 bgr, int role) {
+    bgr &= 0xFFFFFF;
+    if (colors.spill < 0) {
+        if (colors.last < colors.first) {
+            colors = {bgr, col, col, -1};
+        } else if (bgr == colors.color && col >= colors.first - 1 && col <= colors.last + 1) {
+            colors.first = std::min(colors.first, col);
+            colors.last = std::max(colors.last, col);
+        } else {
+            std::vector<quint32> each(ucol(cols_), kNoColor);
+            std::fill(each.begin() + colors.first, each.begin() + colors.last + 1, colors.color);
+            colors.spill = static_cast<qint32>(spills_.size());
+            spills_.push_back(std::move(each));
+        }
     }
-    colors[ucol(col)] = bgr & 0xFFFFFF;
+    if (colors.spill >= 0) {
+        spills_[static_cast<std::size_t>(colors.spill)][ucol(col)] = bgr;
+    }
     cellChanged(row, col, role);
 }
 
@@ -161,20 +308,19 @@ int FlexGridModel::columnCount(const QModelIndex& parent) const {
     return live_ ? cols() : shownCols_;
 }
 
-QVariant FlexGridModel::cellData(const Row& row, int col, int alignment, int role) const {
+QVariant FlexGridModel::cellData(int row, int col, int alignment, int role) const {
     switch (role) {
         case Qt::DisplayRole:
-            return row.text[ucol(col)];
+            return text(row, col);
         case Qt::TextAlignmentRole:
             return QVariant::fromValue(toQt(alignment));
         case Qt::ForegroundRole:
-            return row.fore.empty() || row.fore[ucol(col)] == kNoColor
-                       ? QVariant()
-                       : QVariant(fromBgr(row.fore[ucol(col)]));
-        case Qt::BackgroundRole:
-            return row.back.empty() || row.back[ucol(col)] == kNoColor
-                       ? QVariant()
-                       : QVariant(fromBgr(row.back[ucol(col)]));
+        case Qt::BackgroundRole: {
+            const Row& colors = at(row);
+            const quint32 bgr =
+                storedColor(role == Qt::ForegroundRole ? colors.fore : colors.back, col);
+            return bgr == kNoColor ? QVariant() : QVariant(fromBgr(bgr));
+        }
         default:
             return {};
     }
@@ -186,14 +332,36 @@ QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || row >= rows() || index.column() >= cols()) {
         return {};
     }
-    return cellData(at(row), index.column(), alignment(index.column()), role);
+    return cellData(row, index.column(), alignment(index.column()), role);
 }
 
 QVariant FlexGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || section < 0 || section >= cols()) {
         return {};
     }
-    return cellData(at(0), section, fixedAlignment(section), role);
+    return cellData(0, section, fixedAlignment(section), role);
+}
+
+std::vector<int> FlexGridModel::rowsContaining(QUtf8StringView needle,
+                                               const std::vector<int>& columns) const {
+    std::vector<int> found;
+    const std::string_view lower(needle.data(), static_cast<std::size_t>(needle.size()));
+    if (lower.empty()) {
+        return found;
+    }
+    const bool folds =
+        std::any_of(lower.begin(), lower.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+    for (int row = 1; row < rows(); ++row) {
+        for (int col : columns) {
+            const QUtf8StringView cellText = utf8(row, col);
+            const std::string_view text(cellText.data(), static_cast<std::size_t>(cellText.size()));
+            if (folds ? containsFolded(text, lower) : text.find(lower) != std::string_view::npos) {
+                found.push_back(row);
+                break;
+            }
+        }
+    }
+    return found;
 }
 
 Qt::ItemFlags FlexGridModel::flags(const QModelIndex& index) const {

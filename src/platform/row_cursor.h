@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QSqlQuery>
 #include <QStringList>
 #include <QVariant>
 #include <memory>
+#include <optional>
 
 namespace qivo::platform {
 
@@ -16,6 +18,9 @@ class RowCursor {
     virtual bool next() = 0;
     // A column of the current row; Null is a null QVariant.
     virtual QVariant value(int column) const = 0;
+    // The same column as the engine's own UTF-8 bytes where it holds the value as text (Null is
+    // empty), valid until next(); nothing where it holds it otherwise.
+    virtual std::optional<QByteArrayView> utf8(int) const { return std::nullopt; }
 };
 
 // A cursor over an executed Qt SQL query.

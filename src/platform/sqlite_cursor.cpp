@@ -61,6 +61,20 @@ QVariant SqliteCursor::value(int column) const {
     }
 }
 
+std::optional<QByteArrayView> SqliteCursor::utf8(int column) const {
+    switch (sqlite3_column_type(statement_, column)) {
+        case SQLITE_NULL:
+            return QByteArrayView();
+        case SQLITE_TEXT:
+            return QByteArrayView(
+                reinterpret_cast<const char*>(sqlite3_column_text(statement_, column)),
+                sqlite3_column_bytes(statement_, column));
+        default:
+            // Asking for the text of a number would convert the column in place.
+            return std::nullopt;
+    }
+}
+
 void SqliteCursor::fail() const {
     const int code = sqlite3_extended_errcode(handle_);
     throwSqlError(QSqlError(QStringLiteral("无法执行查询"),
