@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <QDir>
+#include <QLineEdit>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include "platform/engine.h"
 #include "platform/error_path.h"
 #include "platform/flex_grid.h"
+#include "platform/grid_find_bar.h"
 #include "platform/msgbox.h"
 #include "platform/sqlite_functions.h"
 #include "register/register_form.h"
@@ -86,6 +88,19 @@ void benchOpening(const QString& what, Screen& screen) {
         screen.MSFlexGrid1_DblClick();
     });
     bench::printRow(what, QString::number(rows), ms, QStringLiteral("listed rows"));
+}
+
+// One keystroke in the find bar: a search of every shown cell of the list, the current row moved.
+void benchFindKeystroke(AccountScreen& screen) {
+    const QStringList typed{"1", "13", "138", "王", "王丽", "x", "金"};
+    qsizetype next = 0;
+    screen.FindBar1->openBar();
+    const double ms = bench::medianMs(
+        [&] { screen.FindBar1->findText()->setText(typed[next++ % typed.size()]); });
+    screen.FindBar1->closeBar();
+    bench::printRow("find bar: one keystroke over the list",
+                    QString::number(screen.MSFlexGrid1->Rows() - 1), ms,
+                    QStringLiteral("approved rows"));
 }
 
 void benchApproval(frmQivo账号审核& review) {
@@ -182,6 +197,7 @@ int main(int argc, char** argv) {
             [&] { review.LoadPendingList(); }, review.MSFlexGrid1->Rows() - 1);
         if (n == 100000) {
             benchOpening("open a row: approved-account register", accounts);
+            benchFindKeystroke(accounts);
             benchOpening("open a row: review screen", review);
             benchApproval(review);
             benchRecordset(path, n);

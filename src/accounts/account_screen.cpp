@@ -67,6 +67,7 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     MSFlexGrid1 = new platform::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     platform::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
+    FindBar1 = new platform::GridFindBar(MSFlexGrid1, this);
     StatusBar1 = new platform::StatusBar(this);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
