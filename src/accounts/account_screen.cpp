@@ -244,7 +244,7 @@ void AccountScreen::fillList(
         MSFlexGrid1->setRow(row);
         MSFlexGrid1->setRowData(row, record.Fields(QStringLiteral("HLWID")).toInt());
         platform::setCellFromField(*MSFlexGrid1, row, keyCol, record, QStringLiteral("Zh_id"));
-        MSFlexGrid1->setTextMatrix(row, 0, QString::number(row));
+        platform::setNumberCell(*MSFlexGrid1, row, 0, row);
         for (qsizetype i = 0; i < listColumns.size(); ++i) {
             platform::setCellFromField(*MSFlexGrid1, row, static_cast<int>(i) + 1, record,
                                        listColumns[i]);

@@ -101,6 +101,7 @@ class Recordset final {
         int index = -1;
     };
     mutable std::array<RecentName, 16> recent_{};
+    mutable std::size_t nextRecent_ = 0;
     // A read-only set converts a column of the current record when it is first read.
     mutable std::vector<QVariant> values_;
     mutable std::vector<char> loaded_;
