@@ -93,6 +93,29 @@ class TestPlatformGrid final : public QObject {
         QCOMPARE(grid.TextMatrix(4, 1), cellText(5, 1));
     }
 
+    void textReadsBackAsWritten_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("ASCII") << QStringLiteral("Qivo_01 X");
+        QTest::newRow("two-byte Latin") << QStringLiteral("Zoë Åsa");
+        QTest::newRow("Chinese") << QStringLiteral("王丽 金湾花园3栋");
+        QTest::newRow("beyond the BMP") << QStringLiteral("𠀋家 😀");
+        QTest::newRow("lone surrogate") << QString(QChar(0xD800)) + QStringLiteral("x");
+        QTest::newRow("longer than a short cell") << QStringLiteral("地址").repeated(300);
+    }
+
+    // A cell reads back what QString's own UTF-8 round trip gives, through either way in.
+    void textReadsBackAsWritten() {
+        QFETCH(QString, text);
+        FlexGrid grid;
+        grid.setFormatString(QStringLiteral("<a|<b"));
+        grid.setRows(2);
+        grid.setTextMatrix(1, 0, text);
+        grid.setTextMatrixUtf8(1, 1, QUtf8StringView(text.toUtf8()));
+        const QString expected = QString::fromUtf8(text.toUtf8());
+        QCOMPARE(grid.TextMatrix(1, 0), expected);
+        QCOMPARE(grid.TextMatrix(1, 1), expected);
+    }
+
     void coloursPerCell_data() {
         QTest::addColumn<QList<ColorWrite>>("writes");
         QTest::addColumn<QList<quint32>>("fore");  // columns 0-4 of the row

@@ -1,7 +1,6 @@
 #include "platform/flex_grid_model.h"
 
 #include <QColor>
-#include <QStringEncoder>
 #include <algorithm>
 #include <cstring>
 #include <string_view>
@@ -48,6 +47,42 @@ bool containsFolded(std::string_view text, std::string_view lowerNeedle) {
         }
     }
     return false;
+}
+
+// UTF-16 to UTF-8 into `out`, which has room for three bytes a unit; a lone surrogate becomes
+// '?', as QString::toUtf8 writes it. QStringEncoder costs more than the text of a short cell.
+char* encodeUtf8(QStringView text, char* out) {
+    const auto put = [&out](unsigned value) { *out++ = static_cast<char>(value); };
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char32_t unit = text[i].unicode();
+        if (unit < 0x80) {
+            put(unit);
+            continue;
+        }
+        if (unit < 0x800) {
+            put(0xC0 | (unit >> 6));
+            put(0x80 | (unit & 0x3F));
+            continue;
+        }
+        if (QChar::isSurrogate(unit)) {
+            if (QChar::isHighSurrogate(unit) && i + 1 < text.size() &&
+                text[i + 1].isLowSurrogate()) {
+                const char32_t point = QChar::surrogateToUcs4(text[i], text[i + 1]);
+                ++i;
+                put(0xF0 | (point >> 18));
+                put(0x80 | ((point >> 12) & 0x3F));
+                put(0x80 | ((point >> 6) & 0x3F));
+                put(0x80 | (point & 0x3F));
+                continue;
+            }
+            put('?');
+            continue;
+        }
+        put(0xE0 | (unit >> 12));
+        put(0x80 | ((unit >> 6) & 0x3F));
+        put(0x80 | (unit & 0x3F));
+    }
+    return out;
 }
 
 }  // namespace
@@ -132,12 +167,10 @@ QUtf8StringView FlexGridModel::utf8(int row, int col) const {
 }
 
 void FlexGridModel::setText(int row, int col, QStringView text) {
-    // Short texts, nearly all of them, go through the stack instead of a QByteArray.
+    // Nearly every cell text is short enough to be encoded on the stack.
     char buffer[512];
-    QStringEncoder toUtf8(QStringEncoder::Utf8);
-    if (toUtf8.requiredSpace(text.size()) <= qsizetype(sizeof buffer)) {
-        const char* end = toUtf8.appendToBuffer(buffer, text);
-        store(cell(row, col), buffer, static_cast<std::size_t>(end - buffer));
+    if (text.size() * 3 <= qsizetype(sizeof buffer)) {
+        store(cell(row, col), buffer, static_cast<std::size_t>(encodeUtf8(text, buffer) - buffer));
     } else {
         const QByteArray bytes = text.toUtf8();
         store(cell(row, col), bytes.constData(), static_cast<std::size_t>(bytes.size()));
