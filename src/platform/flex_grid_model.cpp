@@ -212,20 +212,30 @@ void FlexGridModel::forget(std::size_t firstCell, std::size_t endCell) {
 }
 
 // Rewritten and removed cells leave their bytes behind; once those are the larger part, the
-// store is rebuilt from the cells still there.
+// cells still there are moved down in the order they lie, so the store keeps its memory for the
+// next fill of the list instead of growing it page by page again.
 void FlexGridModel::collectGarbage() {
     if (garbage_ == 0 || garbage_ * 2 < bytes_.size()) {
         return;
     }
-    std::vector<char> kept;
-    kept.reserve(bytes_.size() - garbage_);
-    for (Cell& stored : cells_) {
-        const auto offset = static_cast<quint32>(kept.size());
-        kept.insert(kept.end(), bytes_.begin() + stored.offset,
-                    bytes_.begin() + stored.offset + stored.size);
-        stored.offset = offset;
+    std::vector<std::size_t> order;
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+        if (cells_[i].size > 0) {
+            order.push_back(i);
+        } else {
+            cells_[i].offset = 0;
+        }
     }
-    bytes_.swap(kept);
+    std::sort(order.begin(), order.end(),
+              [this](std::size_t a, std::size_t b) { return cells_[a].offset < cells_[b].offset; });
+    std::size_t end = 0;
+    for (std::size_t i : order) {
+        Cell& stored = cells_[i];
+        std::memmove(bytes_.data() + end, bytes_.data() + stored.offset, stored.size);
+        stored.offset = static_cast<quint32>(end);
+        end += stored.size;
+    }
+    bytes_.resize(end);
     garbage_ = 0;
 }
 
