@@ -3,6 +3,7 @@
 #include <QColor>
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 namespace qivo::platform {
@@ -163,45 +164,46 @@ void FlexGridModel::removeGridRow(int row) {
 
 QUtf8StringView FlexGridModel::utf8(int row, int col) const {
     const Cell& stored = cells_[ucell(row, col)];
-    return {bytes_.data() + stored.offset, static_cast<qsizetype>(stored.size)};
+    return {bytes_.get() + stored.offset, static_cast<qsizetype>(stored.size)};
+}
+
+// Texts are written straight behind the last one; place() then decides where they stay.
+char* FlexGridModel::tail(std::size_t room) {
+    if (capacity_ - used_ < room) {
+        const std::size_t capacity = std::max({capacity_ * 2, used_ + room, std::size_t{4096}});
+        auto grown = std::make_unique_for_overwrite<char[]>(capacity);
+        std::memcpy(grown.get(), bytes_.get(), used_);
+        bytes_ = std::move(grown);
+        capacity_ = capacity;
+    }
+    return bytes_.get() + used_;
 }
 
 void FlexGridModel::setText(int row, int col, QStringView text) {
-    // Nearly every cell text is short enough to be encoded on the stack.
-    char buffer[512];
-    if (text.size() * 3 <= qsizetype(sizeof buffer)) {
-        store(cell(row, col), buffer, static_cast<std::size_t>(encodeUtf8(text, buffer) - buffer));
-    } else {
-        const QByteArray bytes = text.toUtf8();
-        store(cell(row, col), bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    }
+    char* start = tail(static_cast<std::size_t>(text.size()) * 3);
+    place(cell(row, col), static_cast<std::size_t>(encodeUtf8(text, start) - start));
     cellChanged(row, col, Qt::DisplayRole);
 }
 
 void FlexGridModel::setText(int row, int col, QUtf8StringView text) {
-    const char* bytes = text.data();
-    const bool ownBytes =
-        !bytes_.empty() && bytes >= bytes_.data() && bytes < bytes_.data() + bytes_.size();
-    if (ownBytes) {
-        const QByteArray copy(bytes, text.size());
-        store(cell(row, col), copy.constData(), static_cast<std::size_t>(copy.size()));
-    } else {
-        store(cell(row, col), bytes, static_cast<std::size_t>(text.size()));
-    }
+    const auto size = static_cast<std::size_t>(text.size());
+    std::memcpy(tail(size), text.data(), size);
+    place(cell(row, col), size);
     cellChanged(row, col, Qt::DisplayRole);
 }
 
-void FlexGridModel::store(Cell& target, const char* bytes, std::size_t size) {
+// The text of `size` bytes at the tail becomes the cell's: in the cell's old place when it fits.
+void FlexGridModel::place(Cell& target, std::size_t size) {
     if (size <= target.size) {
-        std::memcpy(bytes_.data() + target.offset, bytes, size);
+        std::memcpy(bytes_.get() + target.offset, bytes_.get() + used_, size);
         garbage_ += target.size - size;
         target.size = static_cast<quint32>(size);
         return;
     }
     garbage_ += target.size;
-    target.offset = static_cast<quint32>(bytes_.size());
+    target.offset = static_cast<quint32>(used_);
     target.size = static_cast<quint32>(size);
-    bytes_.insert(bytes_.end(), bytes, bytes + size);
+    used_ += size;
     collectGarbage();
 }
 
@@ -215,7 +217,7 @@ void FlexGridModel::forget(std::size_t firstCell, std::size_t endCell) {
 // cells still there are moved down in the order they lie, so the store keeps its memory for the
 // next fill of the list instead of growing it page by page again.
 void FlexGridModel::collectGarbage() {
-    if (garbage_ == 0 || garbage_ * 2 < bytes_.size()) {
+    if (garbage_ == 0 || garbage_ * 2 < used_) {
         return;
     }
     std::vector<std::size_t> order;
@@ -231,11 +233,11 @@ void FlexGridModel::collectGarbage() {
     std::size_t end = 0;
     for (std::size_t i : order) {
         Cell& stored = cells_[i];
-        std::memmove(bytes_.data() + end, bytes_.data() + stored.offset, stored.size);
+        std::memmove(bytes_.get() + end, bytes_.get() + stored.offset, stored.size);
         stored.offset = static_cast<quint32>(end);
         end += stored.size;
     }
-    bytes_.resize(end);
+    used_ = end;
     garbage_ = 0;
 }
 

@@ -3,6 +3,7 @@
 #include <QAbstractTableModel>
 #include <QString>
 #include <QUtf8StringView>
+#include <memory>
 #include <vector>
 
 namespace qivo::platform {
@@ -29,7 +30,7 @@ class FlexGridModel final : public QAbstractTableModel {
     QString text(int row, int col) const { return QString::fromUtf8(utf8(row, col)); }
     QUtf8StringView utf8(int row, int col) const;
     void setText(int row, int col, QStringView text);
-    void setText(int row, int col, QUtf8StringView text);
+    void setText(int row, int col, QUtf8StringView text);  // not a view of this model's cells
     qint32 rowData(int row) const { return at(row).data; }
     void setRowData(int row, qint32 value) { at(row).data = value; }
 
@@ -91,7 +92,8 @@ class FlexGridModel final : public QAbstractTableModel {
     quint32 colorOf(const Colors& colors, int col) const;
     quint32 storedColor(const Colors& colors, int col) const;
     void setColor(Colors& colors, int row, int col, quint32 bgr, int role);
-    void store(Cell& target, const char* bytes, std::size_t size);
+    char* tail(std::size_t room);
+    void place(Cell& target, std::size_t size);
     void forget(std::size_t firstCell, std::size_t endCell);
     void collectGarbage();
     void dropUnusedSpills();
@@ -100,8 +102,10 @@ class FlexGridModel final : public QAbstractTableModel {
 
     std::vector<Row> rows_;
     std::vector<Cell> cells_;  // row by row, cols_ to a row
-    std::vector<char> bytes_;
-    std::size_t garbage_ = 0;  // bytes of bytes_ no cell refers to any more
+    std::unique_ptr<char[]> bytes_;
+    std::size_t used_ = 0;
+    std::size_t capacity_ = 0;
+    std::size_t garbage_ = 0;  // bytes of the used part no cell refers to any more
     std::vector<std::vector<quint32>> spills_;
     std::vector<Column> columns_;
     int cols_ = 0;
