@@ -222,6 +222,25 @@ class TestPlatformGrid final : public QObject {
         QVERIFY(list.grid->hasFocus());
     }
 
+    // A row far down comes into view even while the current column is the hidden key column, as
+    // it is after a list fill; an empty search moves nothing.
+    void findBarScrollsTheRowIntoView() {
+        Window list;
+        for (int row = list.grid->Rows(); row < 300; ++row) {
+            list.grid->setRows(row + 1);
+            list.grid->setTextMatrix(row, 1, QStringLiteral("住户%1").arg(row));
+        }
+        list.grid->setCol(4);
+        list.bar->findText()->setText(QStringLiteral("住户299"));
+        QCOMPARE(list.grid->Row(), 299);
+        const QRect shown = list.grid->visualRect(list.grid->model()->index(298, 1));
+        QVERIFY(list.grid->viewport()->rect().contains(shown.center()));
+        list.bar->findText()->clear();
+        list.bar->findNext();
+        QCOMPARE(list.grid->Row(), 299);
+        QCOMPARE(list.bar->result(), QString());
+    }
+
   private:
     // A window with a list grid, its find bar, and rows to find.
     struct Window {

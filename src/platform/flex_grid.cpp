@@ -224,8 +224,11 @@ std::vector<int> FlexGrid::rowsContaining(const QString& text) const {
 
 void FlexGrid::showRow(int row) {
     checkCell(row, 0);
-    if (row > 0 && model_->isLive()) {
-        scrollTo(model_->index(row - 1, col_));
+    // Through the leftmost column in view: the current one may be the hidden key column, which
+    // the view does not scroll to, and the list should not move sideways.
+    const int col = columnAt(0);
+    if (row > 0 && col >= 0 && model_->isLive()) {
+        scrollTo(model_->index(row - 1, col));
     }
 }
 

@@ -25,7 +25,7 @@ GridFindBar::GridFindBar(FlexGrid* grid, QWidget* window)
     text_->setClearButtonEnabled(true);
     text_->installEventFilter(this);
     grid_->installEventFilter(this);
-    connect(text_, &QLineEdit::textChanged, this, [this] { findFirst(); });
+    connect(text_, &QLineEdit::textChanged, this, [this] { find(Direction::First); });
     connect(text_, &QLineEdit::returnPressed, this, [this] { findNext(); });
 
     auto* open = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F), window);
@@ -65,51 +65,38 @@ void GridFindBar::closeBar() {
     grid_->setFocus(Qt::OtherFocusReason);
 }
 
-void GridFindBar::findFirst() {
+void GridFindBar::findNext() {
+    find(Direction::Next);
+}
+
+void GridFindBar::findPrevious() {
+    find(Direction::Previous);
+}
+
+void GridFindBar::find(Direction direction) {
     if (text_->text().isEmpty()) {
         result_->clear();
         return;
     }
     const std::vector<int> matches = grid_->rowsContaining(text_->text());
     if (matches.empty()) {
-        showNoMatch();
+        result_->setStyleSheet(QStringLiteral("color: red;"));
+        result_->setText(QStringLiteral("无匹配"));
         return;
     }
-    goTo(matches, 0);
-}
-
-void GridFindBar::findNext() {
-    const std::vector<int> matches = grid_->rowsContaining(text_->text());
-    if (matches.empty()) {
-        showNoMatch();
-        return;
+    std::size_t match = 0;
+    if (direction == Direction::Next) {
+        const auto after = std::upper_bound(matches.begin(), matches.end(), grid_->Row());
+        match = after == matches.end() ? 0 : static_cast<std::size_t>(after - matches.begin());
+    } else if (direction == Direction::Previous) {
+        const auto at = std::lower_bound(matches.begin(), matches.end(), grid_->Row());
+        match = at == matches.begin() ? matches.size() - 1
+                                      : static_cast<std::size_t>(at - matches.begin()) - 1;
     }
-    const auto after = std::upper_bound(matches.begin(), matches.end(), grid_->Row());
-    goTo(matches, after == matches.end() ? 0 : static_cast<std::size_t>(after - matches.begin()));
-}
-
-void GridFindBar::findPrevious() {
-    const std::vector<int> matches = grid_->rowsContaining(text_->text());
-    if (matches.empty()) {
-        showNoMatch();
-        return;
-    }
-    const auto before = std::lower_bound(matches.begin(), matches.end(), grid_->Row());
-    goTo(matches, before == matches.begin()
-                      ? matches.size() - 1
-                      : static_cast<std::size_t>(before - matches.begin()) - 1);
-}
-
-void GridFindBar::goTo(const std::vector<int>& matches, std::size_t match) {
     grid_->setRow(matches[match]);
     grid_->showRow(matches[match]);
     result_->setStyleSheet({});
     result_->setText(QStringLiteral("%1 / %2").arg(match + 1).arg(matches.size()));
-}
-
-void GridFindBar::showNoMatch() {
-    result_->setStyleSheet(QStringLiteral("color: red;"));
-    result_->setText(QStringLiteral("无匹配"));
 }
 
 bool GridFindBar::eventFilter(QObject* watched, QEvent* event) {

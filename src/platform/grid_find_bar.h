@@ -34,9 +34,8 @@ class GridFindBar final : public QFrame {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    void findFirst();
-    void goTo(const std::vector<int>& matches, std::size_t match);
-    void showNoMatch();
+    enum class Direction { First, Next, Previous };
+    void find(Direction direction);
     void placeUnderGrid();
 
     FlexGrid* grid_;
