@@ -172,7 +172,9 @@ char* FlexGridModel::tail(std::size_t room) {
     if (capacity_ - used_ < room) {
         const std::size_t capacity = std::max({capacity_ * 2, used_ + room, std::size_t{4096}});
         auto grown = std::make_unique_for_overwrite<char[]>(capacity);
-        std::memcpy(grown.get(), bytes_.get(), used_);
+        if (used_ > 0) {
+            std::memcpy(grown.get(), bytes_.get(), used_);
+        }
         bytes_ = std::move(grown);
         capacity_ = capacity;
     }
@@ -187,7 +189,10 @@ void FlexGridModel::setText(int row, int col, QStringView text) {
 
 void FlexGridModel::setText(int row, int col, QUtf8StringView text) {
     const auto size = static_cast<std::size_t>(text.size());
-    std::memcpy(tail(size), text.data(), size);
+    char* start = tail(size);
+    if (size > 0) {  // an empty view may have no data at all
+        std::memcpy(start, text.data(), size);
+    }
     place(cell(row, col), size);
     cellChanged(row, col, Qt::DisplayRole);
 }
