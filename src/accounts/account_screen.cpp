@@ -5,6 +5,7 @@
 
 #include "platform/ado.h"
 #include "platform/error_path.h"
+#include "platform/grid_field.h"
 #include "platform/twips.h"
 #include "session/connection.h"
 #include "session/session_values.h"
@@ -66,6 +67,7 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     MSFlexGrid1 = new platform::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     platform::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
+    FindBar1 = new platform::GridFindBar(MSFlexGrid1, this);
     StatusBar1 = new platform::StatusBar(this);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
@@ -241,12 +243,11 @@ void AccountScreen::fillList(
         const int row = MSFlexGrid1->Rows() - 1;
         MSFlexGrid1->setRow(row);
         MSFlexGrid1->setRowData(row, record.Fields(QStringLiteral("HLWID")).toInt());
-        MSFlexGrid1->setTextMatrix(row, keyCol,
-                                   platform::fieldText(record.Fields(QStringLiteral("Zh_id"))));
-        MSFlexGrid1->setTextMatrix(row, 0, QString::number(row));
+        platform::setCellFromField(*MSFlexGrid1, row, keyCol, record, QStringLiteral("Zh_id"));
+        platform::setNumberCell(*MSFlexGrid1, row, 0, row);
         for (qsizetype i = 0; i < listColumns.size(); ++i) {
-            MSFlexGrid1->setTextMatrix(row, static_cast<int>(i) + 1,
-                                       platform::fieldText(record.Fields(listColumns[i])));
+            platform::setCellFromField(*MSFlexGrid1, row, static_cast<int>(i) + 1, record,
+                                       listColumns[i]);
         }
         finishRow(row, record);
         if (row % 2 == 0) {

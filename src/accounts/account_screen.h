@@ -9,6 +9,7 @@
 
 #include "platform/flex_grid.h"
 #include "platform/form.h"
+#include "platform/grid_find_bar.h"
 #include "platform/image_button.h"
 #include "platform/placement.h"
 #include "platform/status_bar.h"
@@ -41,6 +42,7 @@ class AccountScreen : public platform::Form {
   public:
     std::map<int, QLabel*> Label1;
     platform::FlexGrid* MSFlexGrid1 = nullptr;
+    platform::GridFindBar* FindBar1 = nullptr;  // Ctrl+F under the list
     platform::StatusBar* StatusBar1 = nullptr;
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;

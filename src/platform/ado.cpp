@@ -107,6 +107,7 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
         dates_.push_back(cursor_->isDate(i));
     }
     recent_.fill({});
+    nextRecent_ = 0;
     exactIndex_.clear();
     index_.clear();
     for (int i = 0; i < names_.size(); ++i) {
@@ -159,17 +160,26 @@ void Recordset::requireRecord() const {
 }
 
 int Recordset::fieldIndex(const QString& name) const {
-    // A list fill asks for the same few names on every row, through the same strings. The entry
-    // holds its string, so a matching address is that very text.
-    RecentName& recent =
-        recent_[(reinterpret_cast<quintptr>(name.constData()) >> 4) % recent_.size()];
-    if (recent.index >= 0 && recent.name.constData() == name.constData() &&
-        recent.name.size() == name.size()) {
-        return recent.index;
+    // A list fill asks for the same few names in the same order on every row, through the same
+    // strings. An entry holds its string, so a matching address is that very text; the entry
+    // after the one last asked for is tried first.
+    const auto holds = [&name](const RecentName& recent) {
+        return recent.index >= 0 && recent.name.constData() == name.constData() &&
+               recent.name.size() == name.size();
+    };
+    std::size_t at = nextRecent_;
+    if (!holds(recent_[at])) {
+        at = 0;
+        while (at < recent_.size() && !holds(recent_[at])) {
+            ++at;
+        }
+        if (at == recent_.size()) {
+            at = nextRecent_;
+            recent_[at] = {name, lookUpField(name)};
+        }
     }
-    const int index = lookUpField(name);
-    recent = {name, index};
-    return index;
+    nextRecent_ = (at + 1) % recent_.size();
+    return recent_[at].index;
 }
 
 int Recordset::lookUpField(const QString& name) const {
@@ -196,6 +206,15 @@ QVariant Recordset::field(int index) const {
                            QStringLiteral("在对应所需名称或序数的集合中，未找到项目。"));
     }
     return valueAt(index);
+}
+
+std::optional<QByteArrayView> Recordset::fieldUtf8(const QString& name) const {
+    requireRecord();
+    const int index = fieldIndex(name);
+    if (updatable_ || !cursor_) {
+        return std::nullopt;
+    }
+    return cursor_->utf8(index);
 }
 
 void Recordset::AddNew() {

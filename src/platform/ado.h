@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QHash>
 #include <QSqlDatabase>
 #include <QString>
@@ -7,6 +8,7 @@
 #include <QVariant>
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QSqlQuery;
@@ -72,6 +74,9 @@ class Recordset final {
     QVariant Fields(const QString& name) const;
     int fieldCount() const { return static_cast<int>(names_.size()); }
     QVariant field(int index) const;  // by position, for tools and tests
+    // What fieldText(Fields(name)) gives, as the engine's own UTF-8 bytes where a read-only set's
+    // engine holds the field as text or Null; valid until the record moves. Otherwise nothing.
+    std::optional<QByteArrayView> fieldUtf8(const QString& name) const;
 
     void AddNew();
     void setField(const QString& name, const QVariant& value);  // null QVariant writes Null
@@ -96,6 +101,7 @@ class Recordset final {
         int index = -1;
     };
     mutable std::array<RecentName, 16> recent_{};
+    mutable std::size_t nextRecent_ = 0;
     // A read-only set converts a column of the current record when it is first read.
     mutable std::vector<QVariant> values_;
     mutable std::vector<char> loaded_;

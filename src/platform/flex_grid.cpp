@@ -104,6 +104,11 @@ void FlexGrid::setTextMatrix(int row, int col, const QString& text) {
     model_->setText(row, col, text);
 }
 
+void FlexGrid::setTextMatrixUtf8(int row, int col, QUtf8StringView text) {
+    checkCell(row, col);
+    model_->setText(row, col, text);
+}
+
 qint32 FlexGrid::RowData(int row) const {
     checkCell(row, 0);
     return model_->rowData(row);
@@ -198,6 +203,33 @@ void FlexGrid::setFormatString(const QString& format) {
     }
     formatString_ = format;
     applyColumnWidths();
+}
+
+std::vector<int> FlexGrid::rowsContaining(const QString& text) const {
+    std::vector<int> shown;
+    for (int col = 0; col < Cols(); ++col) {
+        if (widths_[static_cast<std::size_t>(col)] > 0) {
+            shown.push_back(col);
+        }
+    }
+    QString lower = text;
+    for (QChar& c : lower) {
+        if (c >= u'A' && c <= u'Z') {
+            c = c.toLower();
+        }
+    }
+    const QByteArray needle = lower.toUtf8();
+    return model_->rowsContaining(QUtf8StringView(needle), shown);
+}
+
+void FlexGrid::showRow(int row) {
+    checkCell(row, 0);
+    // Through the leftmost column in view: the current one may be the hidden key column, which
+    // the view does not scroll to, and the list should not move sideways.
+    const int col = columnAt(0);
+    if (row > 0 && col >= 0 && model_->isLive()) {
+        scrollTo(model_->index(row - 1, col));
+    }
 }
 
 QRect FlexGrid::cellRect(int row, int col) const {

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QTableView>
+#include <QUtf8StringView>
 #include <memory>
 #include <vector>
 
@@ -37,6 +38,8 @@ class FlexGrid final : public QTableView {
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
+    // The same for text that is already UTF-8, as a database hands it over: kept as it is.
+    void setTextMatrixUtf8(int row, int col, QUtf8StringView text);
     qint32 RowData(int row) const;
     void setRowData(int row, qint32 value);
 
@@ -59,6 +62,12 @@ class FlexGrid final : public QTableView {
     // '^' centre, '>' right) and initial widths from the header text's width, blanks included.
     // A trailing '|' adds a last untitled column.
     void setFormatString(const QString& format);
+
+    // Data rows with a shown cell (of a column wider than 0) that contains `text`; Latin letters
+    // match in either case.
+    std::vector<int> rowsContaining(const QString& text) const;
+    // Scrolls the list so that the row is in view, without moving the current cell.
+    void showRow(int row);
 
     // The visual rectangle of a cell (row 0 is the header), for tests that click like a user.
     QRect cellRect(int row, int col) const;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QStringList>
 #include <QVariant>
+#include <optional>
 
 namespace qivo::platform {
 
@@ -16,6 +18,9 @@ class RowCursor {
     virtual QVariant value(int column) const = 0;
     // Whether the database declares the column as a date, for writing typed text back.
     virtual bool isDate(int) const { return false; }
+    // The same column as the engine's own UTF-8 bytes where it holds the value as text (Null is
+    // empty), valid until next(); nothing where it holds it otherwise.
+    virtual std::optional<QByteArrayView> utf8(int) const { return std::nullopt; }
 };
 
 }  // namespace qivo::platform

@@ -19,6 +19,7 @@ class SqliteCursor final : public RowCursor {
     QStringList columnNames() const override;
     bool next() override;
     QVariant value(int column) const override;
+    std::optional<QByteArrayView> utf8(int column) const override;
 
   private:
     [[noreturn]] void fail() const;
