@@ -20,7 +20,7 @@ namespace {
 void benchList(const QString& what, int n, test::TdsServer& server,
                const std::function<void()>& load, int rows) {
     std::vector<double> serverMs;
-    const double ms = medianMs(5, [&] {
+    const double ms = medianMs([&] {
         const qint64 before = server.busyNanoseconds();
         load();
         serverMs.push_back(static_cast<double>(server.busyNanoseconds() - before) / 1e6);
