@@ -142,8 +142,13 @@ class TestRegister final : public QObject {
         QVERIFY(messages->messages.isEmpty());
     }
 
+    // The list beside the panel stays live; termination still ends the opened household.
     void terminationAsksThenDeletesOwnerAndMembers() {
         test::clickCell(*form->MSFlexGrid1, 4, 8);  // household 1, three member accounts
+        test::clickCell(*form->MSFlexGrid1, 2, 3);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Up);
+        QCOMPARE(form->MSFlexGrid1->Row(), 1);
+        QVERIFY(form->Picture1->isVisible());
         messages->answer(platform::vbNo);
         form->Command1->click();
         messages->answer(platform::vbYes);

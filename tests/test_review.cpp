@@ -153,8 +153,13 @@ class TestReview final : public QObject {
         QVERIFY(messages->messages.isEmpty());
     }
 
-    void approveStampsOnlyTheCurrentRow() {
+    // The grid beside the panel stays live: a click or a key moves its current row, and the
+    // decision still acts on the registration the panel shows.
+    void approveStampsOnlyTheOpenedRow() {
         test::clickCell(*form->MSFlexGrid1, 2, 7);  // registration 103
+        test::clickCell(*form->MSFlexGrid1, 1, 1);  // the grid moves to 104, the panel stays
+        QCOMPARE(form->MSFlexGrid1->Row(), 1);
+        QVERIFY(form->Picture1->isVisible());
         messages->answer(platform::vbNo);
         form->Command3->click();
         QCOMPARE(pending(), 7);
@@ -174,19 +179,22 @@ class TestReview final : public QObject {
 
         // A super-user session approves under an empty name: reviewed all the same.
         CurrentUserName.clear();
-        form->MSFlexGrid1->setRow(1);
+        test::doubleClickCell(*form->MSFlexGrid1, 1, 2);
         form->Command3_Click();
         QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 104"), QVariant(""));
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({102, 101}));
     }
 
-    void rejectDeletesOnlyTheCurrentRow() {
-        form->MSFlexGrid1->setRow(3);  // registration 102
+    void rejectDeletesOnlyTheOpenedRow() {
+        test::doubleClickCell(*form->MSFlexGrid1, 3, 2);  // registration 102
+        form->MSFlexGrid1->setFocus();
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Down);
+        QCOMPARE(form->MSFlexGrid1->Row(), 4);
         messages->answer(platform::vbNo);
         form->Command1_Click();
         QCOMPARE(db->count("select count(*) from 业户互联网"), 8);
 
-        form->Command1_Click();
+        form->Command1->click();
         QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核不通过？"));
         QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID = 102"), 0);
         QCOMPARE(db->count("select count(*) from 业户互联网"), 7);

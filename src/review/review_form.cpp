@@ -31,6 +31,7 @@ void frmQivo账号审核::Form_Unload() {
 
 void frmQivo账号审核::LoadPendingList() {
     Picture1->setVisible(false);
+    opened_.reset();
     fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
         MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
         MSFlexGrid1->setCol(kReviewCol);
@@ -50,6 +51,7 @@ void frmQivo账号审核::MSFlexGrid1_DblClick() {
     }
     openPanel();
     const int row = MSFlexGrid1->Row();
+    opened_ = MSFlexGrid1->RowData(row);
     ShowAccountRow(row);
     ShowOwner(MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1).toInt());
     markMismatches();
@@ -90,23 +92,24 @@ void frmQivo账号审核::markMismatches() {
 }
 
 void frmQivo账号审核::Command3_Click() {
-    decideCurrentRow(QStringLiteral("确认该Qivo账号审核通过？"), [](qint32 registration) {
+    decideOpenedRow(QStringLiteral("确认该Qivo账号审核通过？"), [](qint32 registration) {
         return review_sql::approveStatement(QDate::currentDate(), CurrentUserName, registration);
     });
 }
 
 void frmQivo账号审核::Command1_Click() {
-    decideCurrentRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
+    decideOpenedRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
 }
 
-// Asks the question; on Yes runs the statement for the current row's registration and reloads
-// the list. Whether a row is selected or the panel open is not checked.
-void frmQivo账号审核::decideCurrentRow(const QString& question,
-                                       const std::function<QString(qint32)>& statement) {
+// Asks the question; on Yes runs the statement for the registration the panel shows and reloads
+// the list. The grid stays live beside the panel, so its current row may be another one by now;
+// before any opening the current row's registration is taken, unchecked.
+void frmQivo账号审核::decideOpenedRow(const QString& question,
+                                      const std::function<QString(qint32)>& statement) {
     if (platform::MsgBox(question, platform::vbYesNo) == platform::vbNo) {
         return;
     }
-    Connection::cn().Execute(statement(MSFlexGrid1->RowData(MSFlexGrid1->Row())));
+    Connection::cn().Execute(statement(opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()))));
     LoadPendingList();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "accounts/account_screen.h"
 
 namespace qivo {
@@ -34,9 +36,11 @@ class frmQivo账号审核 final : public AccountScreen {
     void buildButtons();
     void connectEvents();
     void markMismatches();
-    void decideCurrentRow(const QString& question, const std::function<QString(qint32)>& statement);
+    void decideOpenedRow(const QString& question, const std::function<QString(qint32)>& statement);
 
     bool ownerShown_ = false;
+    // The registration the panel shows, from its opening until the list is filled again.
+    std::optional<qint32> opened_;
 };
 
 // The program's one review screen.
