@@ -9,6 +9,7 @@
 #include <functional>
 #include <stdexcept>
 
+#include "platform/blanks.h"
 #include "platform/error_path.h"
 #include "platform/flex_grid.h"
 #include "platform/form.h"
@@ -187,13 +188,24 @@ class TestPlatformWidgets final : public QObject {
         QSignalSpy clicks(&grid, &FlexGrid::Click);
         QSignalSpy doubleClicks(&grid, &FlexGrid::DblClick);
 
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
-        QCOMPARE(clicks.count(), 1);
+        // The press moves the current cell; Click comes with the release.
+        QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
         QCOMPARE(grid.Row(), 2);
         QCOMPARE(grid.Col(), 3);
+        QCOMPARE(clicks.count(), 0);
+        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
+        QCOMPARE(clicks.count(), 1);
+
+        // The right button neither moves nor clicks.
+        QTest::mouseClick(grid.viewport(), Qt::RightButton, {}, grid.cellRect(1, 1).center());
+        QTest::mouseDClick(grid.viewport(), Qt::RightButton, {}, grid.cellRect(1, 1).center());
+        QCOMPARE(clicks.count(), 1);
+        QCOMPARE(doubleClicks.count(), 0);
+        QCOMPARE(grid.Row(), 2);
 
         QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(3, 1).center());
         QCOMPARE(doubleClicks.count(), 1);
+        QVERIFY(clicks.count() <= 2);  // at most the double-click's first click
         QCOMPARE(grid.Row(), 3);
         QCOMPARE(grid.Col(), 1);
 
@@ -205,6 +217,17 @@ class TestPlatformWidgets final : public QObject {
         for (const QModelIndex& index : selected) {
             QCOMPARE(index.row(), 2);
         }
+
+        // A fixed column is drawn like the header and a click on it picks the row, not the cell.
+        grid.setFixedCols(1);
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(1, 0).center());
+        QCOMPARE(grid.Row(), 1);
+        QCOMPARE(grid.Col(), 1);
+        QTest::keyClick(&grid, Qt::Key_Left);
+        QCOMPARE(grid.Col(), 1);
+        const QImage look = grid.viewport()->grab().toImage();
+        QCOMPARE(look.pixelColor(grid.cellRect(1, 0).topLeft() + QPoint(2, 2)),
+                 grid.palette().button().color());
         grid.hide();
     }
 
@@ -251,6 +274,20 @@ class TestPlatformWidgets final : public QObject {
         QVERIFY(boxes.messages[1].prompt.endsWith("disk full"));
     }
 
+    void trimmingRemovesOnlyBlanks_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("trimmed");
+        QTest::newRow("blanks") << QString("  王丽 ") << QString("王丽");
+        QTest::newRow("only blanks") << QString("   ") << QString();
+        QTest::newRow("full-width space, tab")
+            << QString("\u3000王丽\t") << QString("\u3000王丽\t");
+    }
+    void trimmingRemovesOnlyBlanks() {
+        QFETCH(QString, text);
+        QFETCH(QString, trimmed);
+        QCOMPARE(platform::trimBlanks(text), trimmed);
+    }
+
     void smallControls() {
         platform::TextBox box;
         QSignalSpy enter(&box, &platform::TextBox::returnPressed);
@@ -263,10 +300,18 @@ class TestPlatformWidgets final : public QObject {
         QCOMPARE(enter.count(), 1);
         QCOMPARE(changed.count(), 1);
 
-        platform::TextBox memo(nullptr, true);
-        memo.setText("第一行\n第二行");
-        QVERIFY(memo.isMultiLine());
-        QCOMPARE(memo.text(), QStringLiteral("第一行\n第二行"));
+        // Tab leaves a multi-line box for the next control; nothing is typed.
+        QWidget window;
+        auto* memo = new platform::TextBox(&window, true);
+        auto* next = new QLineEdit(&window);
+        memo->setText("第一行\n第二行");
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        memo->setFocus();
+        QTest::keyClick(memo->editor(), Qt::Key_Tab);
+        QVERIFY(next->hasFocus());
+        QVERIFY(memo->isMultiLine());
+        QCOMPARE(memo->text(), QStringLiteral("第一行\n第二行"));
 
         platform::StatusBar bar(nullptr, 2);
         bar.setPanelText(2, QStringLiteral("张三"));

@@ -236,6 +236,9 @@ class TestReview final : public QObject {
 
     void closeImageShowsPressedThenClosesPanel() {
         test::clickCell(*form->MSFlexGrid1, 1, 7);
+        QTest::mouseClick(form->Image1, Qt::RightButton);  // the left button only
+        QCOMPARE(form->Image1->BorderStyle(), 0);
+        QVERIFY(form->Picture1->isVisible());
         QTest::mousePress(form->Image1, Qt::LeftButton);
         QCOMPARE(form->Image1->BorderStyle(), 1);
         QVERIFY(form->Picture1->isVisible());

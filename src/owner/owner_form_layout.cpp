@@ -93,6 +93,7 @@ void frm业户信息::buildMemberFrame() {
     QWidget* frame = Frame1[1];
     Grid2 = new platform::FlexGrid(frame);
     Grid2->setFormatString(owner_fields::kMemberGridFormat.toString());
+    Grid2->setFixedCols(1);
     for (int i = 0; i < static_cast<int>(Text3.size()); ++i) {
         Text3[i] = new platform::TextBox(frame, i == 12);
     }
@@ -101,9 +102,14 @@ void frm业户信息::buildMemberFrame() {
     Combo4->addItems({QStringLiteral("男"), QStringLiteral("女")});
     Combo5 = new QComboBox(frame);
     Combo5->addItems({QStringLiteral("已婚"), QStringLiteral("未婚")});
+    // Nothing chosen until a member is picked or the user chooses.
+    Combo4->setCurrentIndex(-1);
+    Combo5->setCurrentIndex(-1);
     Command6 = button(QStringLiteral("新增(&A)"), frame);
     Command5 = button(QStringLiteral("确定(&Q)"), frame);
     Command7 = button(QStringLiteral("删除(&D)"), frame);
+    // Deleting needs a member line, which only a selection gives.
+    Command7->setEnabled(false);
 
     const Cell cells[] = {
         {35, QStringLiteral("姓名"), Text3[0], 0, 0},

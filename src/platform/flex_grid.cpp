@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QStringList>
+#include <QStyledItemDelegate>
 #include <algorithm>
 
 #include "platform/flex_grid_model.h"
@@ -26,6 +27,19 @@ int alignmentOfMark(QChar mark) {
     }
     return mark == '>' ? flexAlignRightCenter : flexAlignLeftCenter;
 }
+
+// Fixed columns look like the header row: the button colour and never the selection's.
+class FixedColumnDelegate final : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->backgroundBrush = option->palette.button();
+        option->state &= ~(QStyle::State_Selected | QStyle::State_HasFocus);
+    }
+};
 
 }  // namespace
 
@@ -92,6 +106,19 @@ void FlexGrid::setColSel(int col) {
     checkCell(0, col);
     colSel_ = col;
     updateSelection();
+}
+
+void FlexGrid::setFixedCols(int cols) {
+    if (cols < 0 || cols > Cols()) {
+        throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+    }
+    fixedCols_ = cols;
+    if (fixedLook_ == nullptr) {
+        fixedLook_ = new FixedColumnDelegate(this);
+    }
+    for (int col = 0; col < Cols(); ++col) {
+        setItemDelegateForColumn(col, col < cols ? fixedLook_ : nullptr);
+    }
 }
 
 QString FlexGrid::TextMatrix(int row, int col) const {
@@ -228,16 +255,37 @@ void FlexGrid::hideEvent(QHideEvent* event) {
 }
 
 void FlexGrid::mousePressEvent(QMouseEvent* event) {
+    pressed_ = false;
+    if (event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
     QTableView::mousePressEvent(event);
     const QModelIndex cell = indexAt(event->position().toPoint());
     if (cell.isValid()) {
-        moveTo(cell.row() + 1, cell.column());
+        moveTo(cell.row() + 1, userColumn(cell.column()));
+        pressed_ = true;
+    }
+}
+
+void FlexGrid::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const bool click = pressed_ && event->button() == Qt::LeftButton &&
+                       indexAt(event->position().toPoint()).isValid();
+    pressed_ = false;
+    if (click) {
         Q_EMIT Click();
     }
 }
 
 void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
     QTableView::mouseDoubleClickEvent(event);
+    // The release that ends a double-click is no second Click.
+    pressed_ = false;
     if (indexAt(event->position().toPoint()).isValid()) {
         Q_EMIT DblClick();
     }
@@ -253,8 +301,13 @@ void FlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& pre
     QTableView::currentChanged(current, previous);
     // Keyboard moves; the grid's own moves already match Row and Col.
     if (current.isValid() && (current.row() + 1 != row_ || current.column() != col_)) {
-        moveTo(current.row() + 1, current.column());
+        moveTo(current.row() + 1, userColumn(current.column()));
     }
+}
+
+// A user's click or key that lands on a fixed column picks the row at its first other column.
+int FlexGrid::userColumn(int col) const {
+    return fixedCols_ < Cols() ? std::max(col, fixedCols_) : col;
 }
 
 void FlexGrid::checkCell(int row, int col) const {

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+class QStyledItemDelegate;
+
 namespace qivo::platform {
 
 class FlexGridModel;
@@ -17,6 +19,8 @@ constexpr int flexAlignRightCenter = 7;
 // The flexible grid: row 0 is the header row, rows 1 .. Rows()-1 hold data. Colours are BGR
 // integers (0xFF0000 is blue); a cell without a colour of its own reads back as 0.
 // While the grid is hidden, writes emit no per-cell signals; showing it resets the view once.
+// Click is the left button released over a cell, DblClick its double-click; other buttons do
+// nothing.
 class FlexGrid final : public QTableView {
     Q_OBJECT
   public:
@@ -34,6 +38,9 @@ class FlexGrid final : public QTableView {
     void setCol(int col);
     int ColSel() const { return colSel_; }
     void setColSel(int col);
+    // Columns 0 .. FixedCols()-1 are drawn grey like the header and never become current.
+    int FixedCols() const { return fixedCols_; }
+    void setFixedCols(int cols);
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
@@ -71,6 +78,7 @@ class FlexGrid final : public QTableView {
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
@@ -79,6 +87,7 @@ class FlexGrid final : public QTableView {
   private:
     void checkCell(int row, int col) const;  // throws RuntimeError 381 for a cell outside the grid
     void moveTo(int row, int col);
+    int userColumn(int col) const;
     void updateSelection();
     int defaultWidthTwips() const;
     void applyColumnWidth(int col);
@@ -92,6 +101,9 @@ class FlexGrid final : public QTableView {
     int row_ = 0;
     int col_ = 0;
     int colSel_ = 0;
+    int fixedCols_ = 0;
+    QStyledItemDelegate* fixedLook_ = nullptr;
+    bool pressed_ = false;  // a left press on a cell that its release will make a Click
 };
 
 }  // namespace qivo::platform

@@ -29,14 +29,19 @@ void frmQivo账号审核::Form_Unload() {
     platform::End();
 }
 
+// A list that cannot be read keeps what it showed, without a message.
 void frmQivo账号审核::LoadPendingList() {
     Picture1->setVisible(false);
     opened_.reset();
-    fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
-        MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
-        MSFlexGrid1->setCol(kReviewCol);
-        MSFlexGrid1->setCellForeColor(kBlue);
-    });
+    try {
+        fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
+            MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
+            MSFlexGrid1->setCol(kReviewCol);
+            MSFlexGrid1->setCellForeColor(kBlue);
+        });
+    } catch (const std::exception&) {
+        return;
+    }
 }
 
 void frmQivo账号审核::MSFlexGrid1_Click() {

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "platform/ado.h"
+#include "platform/blanks.h"
 #include "platform/end.h"
 #include "platform/msgbox.h"
 #include "platform/runtime_error.h"
@@ -117,7 +118,7 @@ void frmLogin::signIn() {
         return;
     }
     platform::Recordset staff;
-    staff.Open(StaffQuery(user, password.trimmed()), Connection::cn());
+    staff.Open(StaffQuery(user, platform::trimBlanks(password)), Connection::cn());
     if (staff.Eof()) {
         platform::MsgBox(QStringLiteral("用户名或密码不正确,请重新输入!"), platform::vbInformation);
         return;
@@ -172,7 +173,7 @@ void frmLogin::List1_DblClick() {
         &choice.postCategoryName};
     const auto values = sessionValues();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        *values[i] = fields[i]->trimmed();
+        *values[i] = platform::trimBlanks(*fields[i]);
     }
     handOver();
 }
