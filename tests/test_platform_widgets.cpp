@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QToolTip>
 #include <functional>
 #include <stdexcept>
 
@@ -103,10 +104,38 @@ class TestPlatformWidgets final : public QObject {
         }
     }
 
+    // Six blanks behind 姓名 make room for a four-character name; a cell still too narrow
+    // shows its whole text as tool tip.
     void widthFollowsPaddingBlanks() {
         FlexGrid grid;
-        grid.setFormatString(QStringLiteral("<序|<序        "));
-        QVERIFY(grid.ColWidth(1) > grid.ColWidth(0));
+        grid.setFormatString(QStringLiteral("<序|<姓名      |<手机号 "));
+        grid.setColWidth(2, 600);
+        appendRows(grid, 1);
+        grid.setTextMatrix(1, 1, QStringLiteral("欧阳娜娜"));
+        grid.setTextMatrix(1, 2, QStringLiteral("13900000001"));
+        grid.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        const auto tipOver = [&](int col) {
+            QToolTip::hideText();
+            if (!QTest::qWaitFor([] { return !QToolTip::isVisible(); })) {
+                return QStringLiteral("tip stays");
+            }
+            const QPoint at = grid.cellRect(1, col).center();
+            QHelpEvent help(QEvent::ToolTip, at, grid.viewport()->mapToGlobal(at));
+            QCoreApplication::sendEvent(grid.viewport(), &help);
+            return QToolTip::isVisible() ? QToolTip::text() : QString();
+        };
+        QCOMPARE(tipOver(1), QString());
+        QCOMPARE(tipOver(2), QStringLiteral("13900000001"));
+
+        // A larger font widens the columns the format string sized, not the one set by code.
+        const int name = grid.ColWidth(1);
+        QFont larger = grid.font();
+        larger.setPointSizeF(larger.pointSizeF() * 2);
+        grid.setFont(larger);
+        QVERIFY(grid.ColWidth(1) > name);
+        QCOMPARE(grid.ColWidth(2), 600);
+        QCOMPARE(tipOver(1), QString());
         grid.setColWidth(1, 0);
         QCOMPARE(grid.ColWidth(1), 0);
     }

@@ -1,9 +1,11 @@
 #include "platform/flex_grid.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QStringList>
 #include <QStyledItemDelegate>
+#include <QToolTip>
 #include <algorithm>
 
 #include "platform/flex_grid_model.h"
@@ -85,6 +87,7 @@ void FlexGrid::setCols(int cols) {
         throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
     }
     widths_.resize(static_cast<std::size_t>(cols), defaultWidthTwips());
+    formatWidths_.resize(static_cast<std::size_t>(cols), -1);
     model_->setCols(cols);
     col_ = std::clamp(col_, 0, std::max(cols - 1, 0));
     colSel_ = col_;
@@ -214,16 +217,48 @@ void FlexGrid::setFormatString(const QString& format) {
         if (marked) {
             segment.remove(0, 1);
         }
-        // The blanks behind a header text are there to widen the column.
-        const int pixels = fontMetrics().horizontalAdvance(segment) + kTextPaddingPixels;
-        widths_[static_cast<std::size_t>(col)] =
-            segment.isEmpty() ? defaultWidthTwips() : pixelsToTwips(pixels);
+        formatWidths_[static_cast<std::size_t>(col)] = formatWidthTwips(segment);
+        widths_[static_cast<std::size_t>(col)] = formatWidthTwips(segment);
         while (segment.endsWith(' ')) {
             segment.chop(1);
         }
         model_->setText(0, col, segment);
     }
     formatString_ = format;
+    applyColumnWidths();
+}
+
+// The blanks behind a header text are there to widen the column. They were counted in a face
+// that draws a blank as wide as a digit, so each is measured as one here.
+int FlexGrid::formatWidthTwips(const QString& segment) const {
+    if (segment.isEmpty()) {
+        return defaultWidthTwips();
+    }
+    qsizetype text = segment.size();
+    while (text > 0 && segment[text - 1] == u' ') {
+        --text;
+    }
+    const QFontMetrics metrics = fontMetrics();
+    const int blanks = static_cast<int>(segment.size() - text);
+    return pixelsToTwips(metrics.horizontalAdvance(segment.left(text)) +
+                         blanks * metrics.horizontalAdvance(u'0') + kTextPaddingPixels);
+}
+
+// Columns still as wide as the format string made them follow a new font.
+void FlexGrid::refitFormatWidths() {
+    const QStringList segments = formatString_.split('|');
+    for (int col = 0; col < Cols() && col < segments.size(); ++col) {
+        QString segment = segments[col];
+        if (!segment.isEmpty() && isAlignmentMark(segment.front())) {
+            segment.remove(0, 1);
+        }
+        const auto at = static_cast<std::size_t>(col);
+        const int fitted = formatWidthTwips(segment);
+        if (widths_[at] == formatWidths_[at]) {
+            widths_[at] = fitted;
+        }
+        formatWidths_[at] = fitted;
+    }
     applyColumnWidths();
 }
 
@@ -244,6 +279,31 @@ void FlexGrid::showEvent(QShowEvent* event) {
         applyColumnWidths();
         updateSelection();
     }
+}
+
+void FlexGrid::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+        refitFormatWidths();
+    }
+}
+
+// A cell too narrow for its text shows the whole text as its tool tip.
+bool FlexGrid::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QTableView::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QModelIndex cell = indexAt(help->pos());
+    const QString text = cell.isValid() ? model_->text(cell.row() + 1, cell.column()) : QString();
+    const QRect place = visualRect(cell);
+    if (fontMetrics().horizontalAdvance(text) + kTextPaddingPixels > place.width()) {
+        QToolTip::showText(help->globalPos(), text, viewport(), place);
+    } else {
+        QToolTip::hideText();
+    }
+    return true;
 }
 
 void FlexGrid::hideEvent(QHideEvent* event) {

@@ -63,7 +63,8 @@ class FlexGrid final : public QTableView {
 
     QString FormatString() const { return formatString_; }
     // "<序    |<项目名称   |^操作 |": columns, header texts, data alignments ('<' left,
-    // '^' centre, '>' right) and initial widths from the header text's width, blanks included.
+    // '^' centre, '>' right) and initial widths from the header text's width, blanks included;
+    // widths still at that value follow later font changes.
     // A trailing '|' adds a last untitled column.
     void setFormatString(const QString& format);
 
@@ -77,6 +78,8 @@ class FlexGrid final : public QTableView {
   protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -90,13 +93,16 @@ class FlexGrid final : public QTableView {
     int userColumn(int col) const;
     void updateSelection();
     int defaultWidthTwips() const;
+    int formatWidthTwips(const QString& segment) const;
+    void refitFormatWidths();
     void applyColumnWidth(int col);
     void applyColumnWidths();
     void rememberUserWidth(int col, int pixels);
 
     std::unique_ptr<FlexGridModel> model_;
     QString formatString_;
-    std::vector<int> widths_;  // twips; 0 hides the column
+    std::vector<int> widths_;        // twips; 0 hides the column
+    std::vector<int> formatWidths_;  // twips, as the format string gave them
     bool applyingWidths_ = false;
     int row_ = 0;
     int col_ = 0;
