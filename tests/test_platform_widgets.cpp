@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -358,6 +359,25 @@ class TestPlatformWidgets final : public QObject {
         form.Show();
         QCOMPARE(form.loads, 2);
         form.Unload();
+    }
+
+    // Windows open inside the free screen area with room for a title bar above them, one opened
+    // from another offset from it; one larger than the screen shrinks, but not below its minimum.
+    void windowsOpenWholeOnScreen() {
+        CountingForm first;
+        CountingForm second;
+        first.resize(5000, 5000);
+        second.setMinimumSize(5000, 10);
+        first.Show();
+        second.ShowBeside(first);
+        const QRect area = first.screen()->availableGeometry();
+        QVERIFY(area.contains(first.frameGeometry()));
+        QVERIFY(first.height() <= area.height() - 20);
+        QCOMPARE(second.width(), 5000);
+        QCOMPARE(second.pos().y(), first.pos().y() + 32);
+        QVERIFY(area.contains(second.frameGeometry().topLeft()));
+        first.Unload();
+        second.Unload();
     }
 
     void activationCountsOnlyBetweenForms() {

@@ -198,7 +198,17 @@ class TestRegister final : public QObject {
         QCOMPARE(form->Command4->geometry().top(), platform::twipsToPixels(60));
         QCOMPARE(form->Command5->geometry().top(), platform::twipsToPixels(45));
         QCOMPARE(form->Command1->geometry(), QRect(210, 537, 98, 30));
+        // At its smallest the panel with 终止 and 关闭 is whole above the status bar.
+        form->Picture1->setVisible(true);
+        form->resize(1, 1);
+        QTest::qWait(1);
+        QCOMPARE(form->size(), form->minimumSize());
+        const QRect above = form->rect().adjusted(0, 0, 0, -form->StatusBar1->height());
+        QVERIFY(above.contains(form->Picture1->geometry()));
+        QVERIFY(form->Command4->x() > form->Label1[0]->geometry().right());
+
         const QRect before = form->MSFlexGrid1->geometry();
+        form->setMinimumSize(0, 0);
         form->resize(10, 10);
         QTest::qWait(1);
         QCOMPARE(form->MSFlexGrid1->size(), before.size());
@@ -217,6 +227,12 @@ class TestRegister final : public QObject {
         form->Command4->click();
         QVERIFY(!form->Picture1->isVisible());
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202, 201}));
+
+        // 退出 closes only this screen.
+        test::EndRecorder ends;
+        form->Command5->click();
+        QVERIFY(!form->isVisible());
+        QCOMPARE(ends.count, 0);
     }
 };
 

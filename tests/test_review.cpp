@@ -1,8 +1,8 @@
 #include <QApplication>
 #include <memory>
 
+#include "accounts/register_opener.h"
 #include "platform/twips.h"
-#include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
 #include "review/review_sql.h"
@@ -226,7 +226,18 @@ class TestReview final : public QObject {
         QVERIFY(qAbs(panel.center().y() - grid.center().y()) <= 1);
         QCOMPARE(form->StatusBar1->geometry().bottom(), form->height() - 1);
 
+        // At its smallest the window still shows the whole panel and clear corner buttons.
+        form->resize(1, 1);
+        QTest::qWait(1);
+        QCOMPARE(form->size(), form->minimumSize());
+        const QRect above = form->rect().adjusted(0, 0, 0, -form->StatusBar1->height());
+        QVERIFY(above.contains(form->Picture1->geometry()));
+        QVERIFY(form->Command4->x() > form->Command6->geometry().right());
+        QVERIFY(form->rect().contains(form->Command5->geometry()));
+
+        // Where the window system lets it be smaller, what does not fit keeps its former place.
         const QRect before = form->MSFlexGrid1->geometry();
+        form->setMinimumSize(0, 0);
         form->resize(8, 8);
         QTest::qWait(1);
         QCOMPARE(form->MSFlexGrid1->size(), before.size());
@@ -250,13 +261,13 @@ class TestReview final : public QObject {
         QVERIFY(!form->Picture1->isVisible());
     }
 
-    void registerOpensInFrontAndClosingEndsTheProgram() {
+    void registerOpensFromHereAndClosingEndsTheProgram() {
         test::EndRecorder ends;
+        const QWidget* openedFrom = nullptr;
+        showApprovedRegister = [&openedFrom](const QWidget& opener) { openedFrom = &opener; };
         form->Command6->click();
-        QVERIFY(registerForm().isVisible());
-        QCOMPARE(registerForm().MSFlexGrid1->Rows(), 2);  // approved 108
-        registerForm().Command5->click();
-        QVERIFY(!registerForm().isVisible());
+        showApprovedRegister = nullptr;
+        QCOMPARE(openedFrom, form.get());
         QCOMPARE(ends.count, 0);
         form->Command5->click();
         QCOMPARE(ends.count, 1);

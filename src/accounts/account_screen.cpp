@@ -2,6 +2,7 @@
 
 #include <QScopeGuard>
 #include <QStyle>
+#include <algorithm>
 
 #include "platform/ado.h"
 #include "platform/error_path.h"
@@ -14,6 +15,7 @@ namespace qivo {
 namespace {
 
 constexpr int kTitleHeight = 450;
+constexpr int kGridFooter = 150;  // between the list grid and the status bar
 constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
@@ -149,7 +151,7 @@ void AccountScreen::Form_Resize() {
 
     platform::TwipsRect grid = platform::twipsGeometry(MSFlexGrid1);
     apply(height - platform::twipsGeometry(Label1[0]).height -
-              platform::twipsGeometry(StatusBar1).height - 150,
+              platform::twipsGeometry(StatusBar1).height - kGridFooter,
           grid.height);
     apply(width - design_.gridMargin, grid.width);
     platform::setTwipsGeometry(MSFlexGrid1, grid);
@@ -257,6 +259,25 @@ void AccountScreen::fillList(
         }
         record.MoveNext();
     }
+}
+
+void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleRow) {
+    constexpr int kGap = 120;
+    int titleRight = 0;
+    for (const QWidget* control : titleRow) {
+        const platform::TwipsRect place = platform::twipsGeometry(control);
+        titleRight = std::max(titleRight, place.left + place.width);
+    }
+    const int corner = platform::twipsGeometry(Command4).width +
+                       platform::twipsGeometry(Command5).width + design_.refreshGap;
+    const int width =
+        std::max(design_.panel.width + design_.gridMargin, titleRight + kGap + corner);
+    const int height = kTitleHeight + kGridFooter + design_.panel.height +
+                       platform::pixelsToTwips(StatusBar1->sizeHint().height());
+    const auto pixels = [](int twips) {
+        return (twips + platform::kTwipsPerPixel - 1) / platform::kTwipsPerPixel;
+    };
+    setMinimumSize(pixels(width), pixels(height));
 }
 
 void AccountScreen::openPanel() {

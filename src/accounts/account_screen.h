@@ -74,6 +74,9 @@ class AccountScreen : public platform::Form {
     void fillList(const QString& sql,
                   const std::function<void(int row, const platform::Recordset&)>& finishRow);
     void openPanel();
+    // The smallest window at which the panel fits whole over the list and the corner buttons
+    // stay clear of titleRow, the other controls along the top; the resize rules hold above it.
+    void setSmallestSize(std::initializer_list<const QWidget*> titleRow);
 
   private:
     void buildPanel();

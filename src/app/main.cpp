@@ -2,10 +2,12 @@
 #include <QTimer>
 #include <cstdio>
 
+#include "accounts/register_opener.h"
 #include "app/owner_launch.h"
 #include "platform/end.h"
 #include "platform/error_path.h"
 #include "platform/screen_font.h"
+#include "register/register_form.h"
 #include "review/review_form.h"
 #include "session/command_line.h"
 #include "session/login_form.h"
@@ -51,6 +53,9 @@ int main(int argc, char** argv) {
         }
         qivo::setCommand(commandLine);
         qivo::showMainScreen = [] { qivo::reviewForm().Show(); };
+        qivo::showApprovedRegister = [](const QWidget& opener) {
+            qivo::registerForm().ShowBeside(opener);
+        };
         login.Show();
     }
     // The start-up benchmark measures up to the first shown window.

@@ -1,9 +1,9 @@
 #include "review/review_form.h"
 
+#include "accounts/register_opener.h"
 #include "platform/ado.h"
 #include "platform/end.h"
 #include "platform/msgbox.h"
-#include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_sql.h"
 #include "session/connection.h"
@@ -131,7 +131,7 @@ void frmQivo账号审核::Command5_Click() {
 }
 
 void frmQivo账号审核::Command6_Click() {
-    registerForm().Show();
+    showApprovedRegister(*this);
 }
 
 }  // namespace qivo
