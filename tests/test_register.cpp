@@ -97,6 +97,7 @@ class TestRegister final : public QObject {
             }
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("李强"));
+        QCOMPARE(form->StatusBar1->panelText(3), QString());  // a session without a post
         QCOMPARE(form->Label1[0]->text(), QString("已审核Qivo账号"));
     }
 
@@ -216,6 +217,11 @@ class TestRegister final : public QObject {
     }
 
     void panelClosesByButtonImageAndRefresh() {
+        form->MSFlexGrid1->setRow(4);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Enter);
+        QCOMPARE(form->MSFlexGrid2->Rows(), 4);
+        QTest::keyClick(form->MSFlexGrid2, Qt::Key_Escape);
+        QVERIFY(!form->Picture1->isVisible());
         test::clickCell(*form->MSFlexGrid1, 1, 8);
         form->Command2->click();
         QVERIFY(!form->Picture1->isVisible());

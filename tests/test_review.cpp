@@ -63,6 +63,8 @@ class TestReview final : public QObject {
         db->exec(kRegistrations);
         messages = std::make_unique<test::MsgBoxRecorder>();
         CurrentUserName = QStringLiteral("王丽");
+        CurrentDeptName = QStringLiteral("客服中心");
+        CurrentPostName = QStringLiteral("审核员");
         form = std::make_unique<frmQivo账号审核>();
         form->Show();
         QVERIFY(QTest::qWaitForWindowExposed(form.get()));
@@ -96,6 +98,7 @@ class TestReview final : public QObject {
             }
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("王丽"));
+        QCOMPARE(form->StatusBar1->panelText(3), QString("客服中心 审核员"));
         QVERIFY(grid.isVisible());
         QVERIFY(!form->Picture1->isVisible());
     }
@@ -142,6 +145,19 @@ class TestReview final : public QObject {
         }
         QVERIFY(!review::isMarkedMismatch(form->Text1[4]));
         QVERIFY(form->Picture1->isVisible());
+    }
+
+    // Enter opens the current row as a double-click does; Escape closes the panel as 关闭 does,
+    // wherever on the screen the focus is.
+    void keyboardOpensAndClosesThePanel() {
+        form->MSFlexGrid1->setRow(2);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Return);
+        QVERIFY(form->Picture1->isVisible());
+        QCOMPARE(form->Text1[2]->text(), QString("张伟"));
+        QTest::keyClick(form->Command3, Qt::Key_Escape);
+        QVERIFY(!form->Picture1->isVisible());
+        QCOMPARE(pending(), 7);
+        QVERIFY(messages->messages.isEmpty());
     }
 
     void headerOnlyListOpensNothing() {

@@ -1,5 +1,6 @@
 #include "accounts/account_screen.h"
 
+#include <QKeyEvent>
 #include <QScopeGuard>
 #include <QStyle>
 #include <algorithm>
@@ -68,9 +69,25 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     MSFlexGrid1 = new platform::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     platform::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
-    StatusBar1 = new platform::StatusBar(this);
+    StatusBar1 = new platform::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
+    connect(MSFlexGrid1, &platform::FlexGrid::KeyPress, this,
+            [this](int keyAscii) { platform::guarded([&] { MSFlexGrid1_KeyPress(keyAscii); }); });
+}
+
+void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
+    if (keyAscii == 13) {
+        MSFlexGrid1_DblClick();
+    }
+}
+
+void AccountScreen::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && Picture1->isVisible()) {
+        closePanel();
+        return;
+    }
+    platform::Form::keyPressEvent(event);
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const platform::TwipsRect& place,
@@ -184,7 +201,7 @@ void AccountScreen::Image1_MouseUp() {
 }
 
 void AccountScreen::Image1_Click() {
-    Picture1->setVisible(false);
+    closePanel();
 }
 
 void AccountScreen::ClearAccountFields() {
@@ -207,8 +224,11 @@ void AccountScreen::prepareListGrid() {
     }
 }
 
-void AccountScreen::showUserName() {
+void AccountScreen::showSignedInUser() {
     StatusBar1->setPanelText(2, CurrentUserName);
+    QStringList post{CurrentDeptName, CurrentPostName};
+    post.removeAll(QString());
+    StatusBar1->setPanelText(3, post.join(u' '));
 }
 
 void AccountScreen::copyAccountCells(int row) {
@@ -283,6 +303,10 @@ void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleR
 void AccountScreen::openPanel() {
     Picture1->setVisible(true);
     Picture1->raise();
+}
+
+void AccountScreen::closePanel() {
+    Picture1->setVisible(false);
 }
 
 }  // namespace qivo

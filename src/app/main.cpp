@@ -63,7 +63,7 @@ int main(int argc, char** argv) {
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
     }
     if (qivo::platform::endRequested()) {
-        return 0;
+        return ownerLaunch ? ownerLaunch->exitStatus() : 0;
     }
     return app.exec();
 }

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStringList>
 #include <QStyledItemDelegate>
@@ -348,6 +349,21 @@ void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
     pressed_ = false;
     if (indexAt(event->position().toPoint()).isValid()) {
         Q_EMIT DblClick();
+    }
+}
+
+void FlexGrid::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            event->accept();
+            Q_EMIT KeyPress(13);
+            return;
+        case Qt::Key_Escape:
+            event->ignore();
+            return;
+        default:
+            QTableView::keyPressEvent(event);
     }
 }
 

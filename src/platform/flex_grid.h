@@ -74,6 +74,7 @@ class FlexGrid final : public QTableView {
   Q_SIGNALS:
     void Click();
     void DblClick();
+    void KeyPress(int keyAscii);  // Enter (13); Escape is left to the window
 
   protected:
     void showEvent(QShowEvent* event) override;
@@ -83,6 +84,7 @@ class FlexGrid final : public QTableView {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;

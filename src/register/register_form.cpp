@@ -29,7 +29,7 @@ void frmQivo账号一览表::Form_Load() {
     for (int col = 0; col < MSFlexGrid2->Cols(); ++col) {
         MSFlexGrid2->setColAlignmentFixed(col, platform::flexAlignCenterCenter);
     }
-    showUserName();
+    showSignedInUser();
     LoadApprovedList();
 }
 
@@ -138,7 +138,7 @@ void frmQivo账号一览表::Command1_Click() {
 }
 
 void frmQivo账号一览表::Command2_Click() {
-    Picture1->setVisible(false);
+    closePanel();
 }
 
 void frmQivo账号一览表::Command4_Click() {

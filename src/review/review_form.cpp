@@ -21,7 +21,7 @@ void frmQivo账号审核::Form_Load() {
     ClearAccountFields();
     ClearOwnerFields();
     prepareListGrid();
-    showUserName();
+    showSignedInUser();
     LoadPendingList();
 }
 
@@ -119,7 +119,7 @@ void frmQivo账号审核::decideOpenedRow(const QString& question,
 }
 
 void frmQivo账号审核::Command2_Click() {
-    Picture1->setVisible(false);
+    closePanel();
 }
 
 void frmQivo账号审核::Command4_Click() {

@@ -20,7 +20,7 @@ class frmQivo账号审核 final : public AccountScreen {
     void Form_Load() override;
     void Form_Unload() override;
     void MSFlexGrid1_Click();
-    void MSFlexGrid1_DblClick();
+    void MSFlexGrid1_DblClick() override;
     void Command1_Click();
     void Command2_Click();
     void Command3_Click();

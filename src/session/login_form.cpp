@@ -9,6 +9,7 @@
 #include "platform/ado.h"
 #include "platform/blanks.h"
 #include "platform/end.h"
+#include "platform/error_path.h"
 #include "platform/msgbox.h"
 #include "platform/runtime_error.h"
 #include "platform/text_box.h"
@@ -183,6 +184,17 @@ void frmLogin::handOver() {
         showMainScreen();
     }
     Unload();
+}
+
+bool frmLogin::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == List1 && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            platform::guarded([this] { List1_DblClick(); });
+            return true;
+        }
+    }
+    return platform::Form::eventFilter(watched, event);
 }
 
 void frmLogin::cmdCancel_Click() {
