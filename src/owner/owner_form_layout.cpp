@@ -1,4 +1,5 @@
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QVBoxLayout>
 
 #include "owner/owner_fields.h"
@@ -19,6 +20,11 @@ struct Cell {
     int pair;  // 0, 1, 2 … from the left
     int pairSpan = 1;
 };
+
+// The narrowest a box may get when the window shrinks: a date still shows whole.
+int smallestBoxWidth(const QWidget* frame) {
+    return frame->fontMetrics().horizontalAdvance(QStringLiteral("0000-00-00")) + 16;
+}
 
 QPushButton* button(const QString& caption, QWidget* parent) {
     auto* result = new QPushButton(caption, parent);
@@ -75,6 +81,7 @@ void frm业户信息::buildOwnerFrame() {
     for (const Cell& cell : cells) {
         grid->addWidget(addLabel(cell.label, cell.text, frame), cell.row, cell.pair * 2);
         grid->addWidget(cell.control, cell.row, cell.pair * 2 + 1, 1, cell.pairSpan * 2 - 1);
+        cell.control->setMinimumWidth(smallestBoxWidth(frame));
     }
     grid->addWidget(Check1, 3, 5);
     auto* buttons = new QVBoxLayout;
@@ -94,6 +101,9 @@ void frm业户信息::buildMemberFrame() {
     Grid2 = new platform::FlexGrid(frame);
     Grid2->setFormatString(owner_fields::kMemberGridFormat.toString());
     Grid2->setFixedCols(1);
+    // However small the window, the header and a few members stay in view.
+    Grid2->setMinimumHeight(Grid2->horizontalHeader()->sizeHint().height() +
+                            4 * Grid2->verticalHeader()->defaultSectionSize());
     for (int i = 0; i < static_cast<int>(Text3.size()); ++i) {
         Text3[i] = new platform::TextBox(frame, i == 12);
     }
@@ -132,6 +142,7 @@ void frm业户信息::buildMemberFrame() {
     for (const Cell& cell : cells) {
         panel->addWidget(addLabel(cell.label, cell.text, frame), cell.row, cell.pair * 2);
         panel->addWidget(cell.control, cell.row, cell.pair * 2 + 1, 1, cell.pairSpan * 2 - 1);
+        cell.control->setMinimumWidth(smallestBoxWidth(frame));
     }
     auto* buttons = new QVBoxLayout;
     buttons->addWidget(Command6);

@@ -139,6 +139,8 @@ void frmLogin::signIn() {
     }
     Label2->setVisible(true);
     List1->setVisible(true);
+    // Arrow keys and Enter pick a post without the mouse.
+    List1->setFocus();
 }
 
 void frmLogin::listPosts(platform::Recordset& posts) {
