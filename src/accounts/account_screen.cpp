@@ -300,13 +300,19 @@ void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleR
     setMinimumSize(pixels(width), pixels(height));
 }
 
-void AccountScreen::openPanel() {
+void AccountScreen::openPanel(int row) {
+    opened_ = MSFlexGrid1->RowData(row);
     Picture1->setVisible(true);
     Picture1->raise();
 }
 
 void AccountScreen::closePanel() {
+    opened_.reset();
     Picture1->setVisible(false);
+}
+
+qint32 AccountScreen::openedRegistration() const {
+    return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
 }
 
 }  // namespace qivo

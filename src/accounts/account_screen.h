@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <optional>
 
 #include "platform/flex_grid.h"
 #include "platform/form.h"
@@ -78,8 +79,12 @@ class AccountScreen : public platform::Form {
     // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
     void fillList(const QString& sql,
                   const std::function<void(int row, const platform::Recordset&)>& finishRow);
-    void openPanel();
+    // Shows the panel for list row `row`, whose registration the decisions then act on: the list
+    // beside the panel stays live, so its current row may move on meanwhile.
+    void openPanel(int row);
     void closePanel();
+    // The registration the open panel shows; with none opened, the current row's, unchecked.
+    qint32 openedRegistration() const;
     // Escape closes an open panel, as its close button does.
     void keyPressEvent(QKeyEvent* event) override;
     // The smallest window at which the panel fits whole over the list and the corner buttons
@@ -95,6 +100,7 @@ class AccountScreen : public platform::Form {
     void dockStatusBar();
 
     AccountScreenDesign design_;
+    std::optional<qint32> opened_;
 };
 
 // One column of a grid format string: alignment mark, header, and the blanks that widen it.

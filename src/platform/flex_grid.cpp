@@ -218,8 +218,9 @@ void FlexGrid::setFormatString(const QString& format) {
         if (marked) {
             segment.remove(0, 1);
         }
-        formatWidths_[static_cast<std::size_t>(col)] = formatWidthTwips(segment);
-        widths_[static_cast<std::size_t>(col)] = formatWidthTwips(segment);
+        const int width = formatWidthTwips(segment);
+        formatWidths_[static_cast<std::size_t>(col)] = width;
+        widths_[static_cast<std::size_t>(col)] = width;
         while (segment.endsWith(' ')) {
             segment.chop(1);
         }
@@ -297,7 +298,7 @@ bool FlexGrid::viewportEvent(QEvent* event) {
     }
     const auto* help = static_cast<QHelpEvent*>(event);
     const QModelIndex cell = indexAt(help->pos());
-    const QString text = cell.isValid() ? model_->text(cell.row() + 1, cell.column()) : QString();
+    const QString text = cell.isValid() ? TextMatrix(cell.row() + 1, cell.column()) : QString();
     const QRect place = visualRect(cell);
     if (fontMetrics().horizontalAdvance(text) + kTextPaddingPixels > place.width()) {
         QToolTip::showText(help->globalPos(), text, viewport(), place);

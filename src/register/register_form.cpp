@@ -35,8 +35,7 @@ void frmQivo账号一览表::Form_Load() {
 
 // A list that cannot be read keeps what it showed, without a message.
 void frmQivo账号一览表::LoadApprovedList() {
-    Picture1->setVisible(false);
-    opened_.reset();
+    closePanel();
     try {
         fillList(register_sql::approvedListQuery(),
                  [this](int row, const platform::Recordset& record) {
@@ -72,8 +71,7 @@ void frmQivo账号一览表::MSFlexGrid1_DblClick() {
     const QString ownerKey = MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1);
     LoadOwnerDetail(ownerKey.toInt());
     LoadMemberAccounts(ownerKey);
-    opened_ = MSFlexGrid1->RowData(row);
-    openPanel();
+    openPanel(row);
 }
 
 void frmQivo账号一览表::FillAccountFields(qint32 row) {
@@ -116,8 +114,7 @@ void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
 }
 
 // Terminates the opened owner's account and every member account the panel lists, in one
-// batch that either runs whole or not at all. The list beside the panel may have moved to
-// another row since the opening; before any opening the current row is taken, unchecked.
+// batch that either runs whole or not at all.
 void frmQivo账号一览表::Command1_Click() {
     if (platform::MsgBox(QStringLiteral("确认要终止这个Qivo账号"), platform::vbYesNo) ==
         platform::vbNo) {
@@ -132,8 +129,7 @@ void frmQivo账号一览表::Command1_Click() {
     for (int row = 1; row < MSFlexGrid2->Rows(); ++row) {
         members << MSFlexGrid2->RowData(row);
     }
-    Connection::cn().Execute(register_sql::terminateBatch(
-        opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row())), members));
+    Connection::cn().Execute(register_sql::terminateBatch(openedRegistration(), members));
     LoadApprovedList();
 }
 

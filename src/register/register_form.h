@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "accounts/account_screen.h"
 
 namespace qivo {
@@ -33,9 +31,6 @@ class frmQivo账号一览表 final : public AccountScreen {
   private:
     void buildMemberArea();
     void connectEvents();
-
-    // The owner account the panel shows; MSFlexGrid2 holds its household's member accounts.
-    std::optional<qint32> opened_;
 };
 
 // The program's one register screen.

@@ -31,8 +31,7 @@ void frmQivo账号审核::Form_Unload() {
 
 // A list that cannot be read keeps what it showed, without a message.
 void frmQivo账号审核::LoadPendingList() {
-    Picture1->setVisible(false);
-    opened_.reset();
+    closePanel();
     try {
         fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
             MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
@@ -54,9 +53,8 @@ void frmQivo账号审核::MSFlexGrid1_DblClick() {
     if (MSFlexGrid1->Rows() == 1) {
         return;
     }
-    openPanel();
     const int row = MSFlexGrid1->Row();
-    opened_ = MSFlexGrid1->RowData(row);
+    openPanel(row);
     ShowAccountRow(row);
     ShowOwner(MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1).toInt());
     markMismatches();
@@ -107,14 +105,13 @@ void frmQivo账号审核::Command1_Click() {
 }
 
 // Asks the question; on Yes runs the statement for the registration the panel shows and reloads
-// the list. The grid stays live beside the panel, so its current row may be another one by now;
-// before any opening the current row's registration is taken, unchecked.
+// the list.
 void frmQivo账号审核::decideOpenedRow(const QString& question,
                                       const std::function<QString(qint32)>& statement) {
     if (platform::MsgBox(question, platform::vbYesNo) == platform::vbNo) {
         return;
     }
-    Connection::cn().Execute(statement(opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()))));
+    Connection::cn().Execute(statement(openedRegistration()));
     LoadPendingList();
 }
 

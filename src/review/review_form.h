@@ -1,7 +1,5 @@
 #pragma once
 
-#include <optional>
-
 #include "accounts/account_screen.h"
 
 namespace qivo {
@@ -39,8 +37,6 @@ class frmQivo账号审核 final : public AccountScreen {
     void decideOpenedRow(const QString& question, const std::function<QString(qint32)>& statement);
 
     bool ownerShown_ = false;
-    // The registration the panel shows, from its opening until the list is filled again.
-    std::optional<qint32> opened_;
 };
 
 // The program's one review screen.
