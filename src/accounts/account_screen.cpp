@@ -72,6 +72,8 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     StatusBar1 = new platform::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
+    // The list has the keyboard first: arrow keys move along it, Enter opens a row.
+    MSFlexGrid1->setFocus();
     connect(MSFlexGrid1, &platform::FlexGrid::KeyPress, this,
             [this](int keyAscii) { platform::guarded([&] { MSFlexGrid1_KeyPress(keyAscii); }); });
 }
@@ -307,8 +309,12 @@ void AccountScreen::openPanel(int row) {
 }
 
 void AccountScreen::closePanel() {
+    const bool hadKeyboard = Picture1->isAncestorOf(focusWidget());
     opened_.reset();
     Picture1->setVisible(false);
+    if (hadKeyboard) {
+        MSFlexGrid1->setFocus();
+    }
 }
 
 qint32 AccountScreen::openedRegistration() const {
