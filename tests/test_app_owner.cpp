@@ -82,25 +82,28 @@ class TestAppOwner final : public QObject {
 
     void programRefusesAMissingKey_data() {
         QTest::addColumn<QStringList>("options");
-        QTest::newRow("no value") << QStringList{"--owner"};
-        QTest::newRow("not a number") << QStringList{"--new-owner", "12;drop"};
+        QTest::addColumn<QString>("told");
+        QTest::newRow("no value") << QStringList{"--owner"} << "--owner";
+        QTest::newRow("not a number") << QStringList{"--new-owner", "12;drop"} << "--new-owner";
+        QTest::newRow("no owner row") << QStringList{"--owner", "77"} << "77";
     }
     void programRefusesAMissingKey() {
         QFETCH(QStringList, options);
+        QFETCH(QString, told);
         const QString program = qEnvironmentVariable("QIVO_REVIEW");
         if (!QFile::exists(program)) {
             QSKIP("the program qivo-review is not built");
         }
-        QTemporaryDir config;
+        test::FixtureDb db;  // the program reads its settings from this suite's store
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_CONFIG_HOME", config.path());
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         process.setProcessEnvironment(environment);
         process.start(program, options);
         QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.exitCode(), 2);
         QCOMPARE(process.readAllStandardOutput(), QByteArray());
-        QVERIFY(QString::fromUtf8(process.readAllStandardError()).contains(options.first()));
+        QVERIFY(QString::fromUtf8(process.readAllStandardError()).contains(told));
     }
 
     void cleanup() { QVERIFY(QApplication::topLevelWidgets().isEmpty()); }

@@ -44,9 +44,9 @@ class TestOwner final : public QObject {
         form->Frame1[0]->Tag = ownerKey;
         form->Form_Activate();
     }
-    void clickRow(int row) {
-        QTest::mouseClick(form->Grid2->viewport(), Qt::LeftButton, {},
-                          form->Grid2->cellRect(row, 1).center());
+    void clickRow(int row, int col = 1, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(form->Grid2->viewport(), button, {},
+                          form->Grid2->cellRect(row, col).center());
     }
 
   private Q_SLOTS:
@@ -77,6 +77,10 @@ class TestOwner final : public QObject {
     }
 
     void emptyKeyClearsBoxesWithoutQuery() {
+        // A new owner's screen offers no delete and no chosen sex or marital state.
+        QVERIFY(!form->Command7->isEnabled());
+        QCOMPARE(form->Combo4->currentIndex(), -1);
+        QCOMPARE(form->Combo5->currentIndex(), -1);
         open(QStringLiteral("1"));
         form->Frame1[1]->setEnabled(false);
         // An unopened shared connection: any query would fail.
@@ -122,16 +126,22 @@ class TestOwner final : public QObject {
         QTest::addColumn<int>("row");
         QTest::addColumn<int>("sex");
         QTest::addColumn<int>("marital");
-        QTest::newRow("男, 已婚") << 1 << 0 << 0;
-        QTest::newRow("empty sex, unknown state") << 2 << 1 << -1;
-        QTest::newRow("女, 未婚") << 3 << 1 << 1;
+        QTest::addColumn<int>("col");
+        QTest::newRow("男, 已婚") << 1 << 0 << 0 << 1;
+        QTest::newRow("empty sex, unknown state, on the line number") << 2 << 1 << -1 << 0;
+        QTest::newRow("女, 未婚") << 3 << 1 << 1 << 5;
     }
     void selectingMember() {
         QFETCH(int, row);
         QFETCH(int, sex);
         QFETCH(int, marital);
+        QFETCH(int, col);
         open(QStringLiteral("1"));
-        clickRow(row);
+        clickRow(row, 1, Qt::RightButton);  // the right button picks no member
+        QVERIFY(!form->Command7->isEnabled());
+        clickRow(row, col);
+        QCOMPARE(form->Grid2->Row(), row);
+        QVERIFY(form->Grid2->Col() >= 1);  // the line number column is fixed
         QCOMPARE(form->Combo4->currentIndex(), sex);
         QCOMPARE(form->Combo5->currentIndex(), marital);
         QCOMPARE(form->Command6->text(), QString("新增(&A)"));
@@ -245,10 +255,11 @@ class TestOwner final : public QObject {
         QVERIFY(form->Frame1[1]->isEnabled());
         QCOMPARE(form->cursor().shape(), Qt::ArrowCursor);
 
-        form->Text2[0]->setText("赵六六");
+        // Only the blank counts as blank: a full-width space is a name.
+        form->Text2[0]->setText(QStringLiteral("\u3000"));
         form->Command3_Click();
         QCOMPARE(db->count("select count(*) from 业主表"), 3);
-        QCOMPARE(db->scalar("select 姓名" + row).toString(), "赵六六");
+        QCOMPARE(db->scalar("select 姓名" + row).toString(), QStringLiteral("\u3000"));
         QCOMPARE(db->scalar("select 说明" + row).toString(), "新进户");
     }
 
@@ -300,9 +311,7 @@ class TestOwner final : public QObject {
         QVERIFY(!form->Command7->isEnabled());
         QVERIFY(form->Command5->isEnabled());
 
-        // A member saved with every box empty.
-        form->Combo4->setCurrentIndex(-1);
-        form->Combo5->setCurrentIndex(-1);
+        // A member saved with every box and both combos untouched.
         form->Command5_Click();
         const QString key = db->scalar("select ZL_ID from ZHZL where ZH_ID=2").toString();
         QVERIFY(!key.isEmpty());

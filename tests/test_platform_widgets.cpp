@@ -1,11 +1,14 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QToolTip>
 #include <functional>
 #include <stdexcept>
 
+#include "platform/blanks.h"
 #include "platform/error_path.h"
 #include "platform/flex_grid.h"
 #include "platform/form.h"
@@ -98,10 +101,38 @@ class TestPlatformWidgets final : public QObject {
         }
     }
 
+    // Six blanks behind 姓名 make room for a four-character name; a cell still too narrow
+    // shows its whole text as tool tip.
     void widthFollowsPaddingBlanks() {
         FlexGrid grid;
-        grid.setFormatString(QStringLiteral("<序|<序        "));
-        QVERIFY(grid.ColWidth(1) > grid.ColWidth(0));
+        grid.setFormatString(QStringLiteral("<序|<姓名      |<手机号 "));
+        grid.setColWidth(2, 600);
+        appendRows(grid, 1);
+        grid.setTextMatrix(1, 1, QStringLiteral("欧阳娜娜"));
+        grid.setTextMatrix(1, 2, QStringLiteral("13900000001"));
+        grid.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        const auto tipOver = [&](int col) {
+            QToolTip::hideText();
+            if (!QTest::qWaitFor([] { return !QToolTip::isVisible(); })) {
+                return QStringLiteral("tip stays");
+            }
+            const QPoint at = grid.cellRect(1, col).center();
+            QHelpEvent help(QEvent::ToolTip, at, grid.viewport()->mapToGlobal(at));
+            QCoreApplication::sendEvent(grid.viewport(), &help);
+            return QToolTip::isVisible() ? QToolTip::text() : QString();
+        };
+        QCOMPARE(tipOver(1), QString());
+        QCOMPARE(tipOver(2), QStringLiteral("13900000001"));
+
+        // A larger font widens the columns the format string sized, not the one set by code.
+        const int name = grid.ColWidth(1);
+        QFont larger = grid.font();
+        larger.setPointSizeF(larger.pointSizeF() * 2);
+        grid.setFont(larger);
+        QVERIFY(grid.ColWidth(1) > name);
+        QCOMPARE(grid.ColWidth(2), 600);
+        QCOMPARE(tipOver(1), QString());
         grid.setColWidth(1, 0);
         QCOMPARE(grid.ColWidth(1), 0);
     }
@@ -183,13 +214,24 @@ class TestPlatformWidgets final : public QObject {
         QSignalSpy clicks(&grid, &FlexGrid::Click);
         QSignalSpy doubleClicks(&grid, &FlexGrid::DblClick);
 
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
-        QCOMPARE(clicks.count(), 1);
+        // The press moves the current cell; Click comes with the release.
+        QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
         QCOMPARE(grid.Row(), 2);
         QCOMPARE(grid.Col(), 3);
+        QCOMPARE(clicks.count(), 0);
+        QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(2, 3).center());
+        QCOMPARE(clicks.count(), 1);
+
+        // The right button neither moves nor clicks.
+        QTest::mouseClick(grid.viewport(), Qt::RightButton, {}, grid.cellRect(1, 1).center());
+        QTest::mouseDClick(grid.viewport(), Qt::RightButton, {}, grid.cellRect(1, 1).center());
+        QCOMPARE(clicks.count(), 1);
+        QCOMPARE(doubleClicks.count(), 0);
+        QCOMPARE(grid.Row(), 2);
 
         QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(3, 1).center());
         QCOMPARE(doubleClicks.count(), 1);
+        QVERIFY(clicks.count() <= 2);  // at most the double-click's first click
         QCOMPARE(grid.Row(), 3);
         QCOMPARE(grid.Col(), 1);
 
@@ -201,6 +243,17 @@ class TestPlatformWidgets final : public QObject {
         for (const QModelIndex& index : selected) {
             QCOMPARE(index.row(), 2);
         }
+
+        // A fixed column is drawn like the header and a click on it picks the row, not the cell.
+        grid.setFixedCols(1);
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(1, 0).center());
+        QCOMPARE(grid.Row(), 1);
+        QCOMPARE(grid.Col(), 1);
+        QTest::keyClick(&grid, Qt::Key_Left);
+        QCOMPARE(grid.Col(), 1);
+        const QImage look = grid.viewport()->grab().toImage();
+        QCOMPARE(look.pixelColor(grid.cellRect(1, 0).topLeft() + QPoint(2, 2)),
+                 grid.palette().button().color());
         grid.hide();
     }
 
@@ -226,6 +279,20 @@ class TestPlatformWidgets final : public QObject {
         QVERIFY(boxes.messages[1].prompt.endsWith("disk full"));
     }
 
+    void trimmingRemovesOnlyBlanks_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("trimmed");
+        QTest::newRow("blanks") << QString("  王丽 ") << QString("王丽");
+        QTest::newRow("only blanks") << QString("   ") << QString();
+        QTest::newRow("full-width space, tab")
+            << QString("\u3000王丽\t") << QString("\u3000王丽\t");
+    }
+    void trimmingRemovesOnlyBlanks() {
+        QFETCH(QString, text);
+        QFETCH(QString, trimmed);
+        QCOMPARE(platform::trimBlanks(text), trimmed);
+    }
+
     void smallControls() {
         platform::TextBox box;
         QSignalSpy enter(&box, &platform::TextBox::returnPressed);
@@ -238,10 +305,18 @@ class TestPlatformWidgets final : public QObject {
         QCOMPARE(enter.count(), 1);
         QCOMPARE(changed.count(), 1);
 
-        platform::TextBox memo(nullptr, true);
-        memo.setText("第一行\n第二行");
-        QVERIFY(memo.isMultiLine());
-        QCOMPARE(memo.text(), QStringLiteral("第一行\n第二行"));
+        // Tab leaves a multi-line box for the next control; nothing is typed.
+        QWidget window;
+        auto* memo = new platform::TextBox(&window, true);
+        auto* next = new QLineEdit(&window);
+        memo->setText("第一行\n第二行");
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        memo->setFocus();
+        QTest::keyClick(memo->editor(), Qt::Key_Tab);
+        QVERIFY(next->hasFocus());
+        QVERIFY(memo->isMultiLine());
+        QCOMPARE(memo->text(), QStringLiteral("第一行\n第二行"));
 
         platform::StatusBar bar(nullptr, 2);
         bar.setPanelText(2, QStringLiteral("张三"));
@@ -259,6 +334,25 @@ class TestPlatformWidgets final : public QObject {
         form.Show();
         QCOMPARE(form.loads, 2);
         form.Unload();
+    }
+
+    // Windows open inside the free screen area with room for a title bar above them, one opened
+    // from another offset from it; one larger than the screen shrinks, but not below its minimum.
+    void windowsOpenWholeOnScreen() {
+        CountingForm first;
+        CountingForm second;
+        first.resize(5000, 5000);
+        second.setMinimumSize(5000, 10);
+        first.Show();
+        second.ShowBeside(first);
+        const QRect area = first.screen()->availableGeometry();
+        QVERIFY(area.contains(first.frameGeometry()));
+        QVERIFY(first.height() <= area.height() - 20);
+        QCOMPARE(second.width(), 5000);
+        QCOMPARE(second.pos().y(), first.pos().y() + 32);
+        QVERIFY(area.contains(second.frameGeometry().topLeft()));
+        first.Unload();
+        second.Unload();
     }
 
     void activationCountsOnlyBetweenForms() {

@@ -97,6 +97,7 @@ class TestRegister final : public QObject {
             }
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("李强"));
+        QCOMPARE(form->StatusBar1->panelText(3), QString());  // a session without a post
         QCOMPARE(form->Label1[0]->text(), QString("已审核Qivo账号"));
     }
 
@@ -142,8 +143,13 @@ class TestRegister final : public QObject {
         QVERIFY(messages->messages.isEmpty());
     }
 
+    // The list beside the panel stays live; termination still ends the opened household.
     void terminationAsksThenDeletesOwnerAndMembers() {
         test::clickCell(*form->MSFlexGrid1, 4, 8);  // household 1, three member accounts
+        test::clickCell(*form->MSFlexGrid1, 2, 3);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Up);
+        QCOMPARE(form->MSFlexGrid1->Row(), 1);
+        QVERIFY(form->Picture1->isVisible());
         messages->answer(platform::vbNo);
         form->Command1->click();
         messages->answer(platform::vbYes);
@@ -193,7 +199,17 @@ class TestRegister final : public QObject {
         QCOMPARE(form->Command4->geometry().top(), platform::twipsToPixels(60));
         QCOMPARE(form->Command5->geometry().top(), platform::twipsToPixels(45));
         QCOMPARE(form->Command1->geometry(), QRect(210, 537, 98, 30));
+        // At its smallest the panel with 终止 and 关闭 is whole above the status bar.
+        form->Picture1->setVisible(true);
+        form->resize(1, 1);
+        QTest::qWait(1);
+        QCOMPARE(form->size(), form->minimumSize());
+        const QRect above = form->rect().adjusted(0, 0, 0, -form->StatusBar1->height());
+        QVERIFY(above.contains(form->Picture1->geometry()));
+        QVERIFY(form->Command4->x() > form->Label1[0]->geometry().right());
+
         const QRect before = form->MSFlexGrid1->geometry();
+        form->setMinimumSize(0, 0);
         form->resize(10, 10);
         QTest::qWait(1);
         QCOMPARE(form->MSFlexGrid1->size(), before.size());
@@ -201,6 +217,11 @@ class TestRegister final : public QObject {
     }
 
     void panelClosesByButtonImageAndRefresh() {
+        form->MSFlexGrid1->setRow(4);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Enter);
+        QCOMPARE(form->MSFlexGrid2->Rows(), 4);
+        QTest::keyClick(form->MSFlexGrid2, Qt::Key_Escape);
+        QVERIFY(!form->Picture1->isVisible());
         test::clickCell(*form->MSFlexGrid1, 1, 8);
         form->Command2->click();
         QVERIFY(!form->Picture1->isVisible());
@@ -212,6 +233,12 @@ class TestRegister final : public QObject {
         form->Command4->click();
         QVERIFY(!form->Picture1->isVisible());
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202, 201}));
+
+        // 退出 closes only this screen.
+        test::EndRecorder ends;
+        form->Command5->click();
+        QVERIFY(!form->isVisible());
+        QCOMPARE(ends.count, 0);
     }
 };
 

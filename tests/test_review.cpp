@@ -1,8 +1,8 @@
 #include <QApplication>
 #include <memory>
 
+#include "accounts/register_opener.h"
 #include "platform/twips.h"
-#include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
 #include "review/review_sql.h"
@@ -63,6 +63,8 @@ class TestReview final : public QObject {
         db->exec(kRegistrations);
         messages = std::make_unique<test::MsgBoxRecorder>();
         CurrentUserName = QStringLiteral("王丽");
+        CurrentDeptName = QStringLiteral("客服中心");
+        CurrentPostName = QStringLiteral("审核员");
         form = std::make_unique<frmQivo账号审核>();
         form->Show();
         QVERIFY(QTest::qWaitForWindowExposed(form.get()));
@@ -96,6 +98,7 @@ class TestReview final : public QObject {
             }
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("王丽"));
+        QCOMPARE(form->StatusBar1->panelText(3), QString("客服中心 审核员"));
         QVERIFY(grid.isVisible());
         QVERIFY(!form->Picture1->isVisible());
     }
@@ -144,6 +147,19 @@ class TestReview final : public QObject {
         QVERIFY(form->Picture1->isVisible());
     }
 
+    // Enter opens the current row as a double-click does; Escape closes the panel as 关闭 does,
+    // wherever on the screen the focus is.
+    void keyboardOpensAndClosesThePanel() {
+        form->MSFlexGrid1->setRow(2);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Return);
+        QVERIFY(form->Picture1->isVisible());
+        QCOMPARE(form->Text1[2]->text(), QString("张伟"));
+        QTest::keyClick(form->Command3, Qt::Key_Escape);
+        QVERIFY(!form->Picture1->isVisible());
+        QCOMPARE(pending(), 7);
+        QVERIFY(messages->messages.isEmpty());
+    }
+
     void headerOnlyListOpensNothing() {
         db->exec("Delete 业户互联网 Where HLWID < 200");
         form->Command4_Click();
@@ -153,8 +169,13 @@ class TestReview final : public QObject {
         QVERIFY(messages->messages.isEmpty());
     }
 
-    void approveStampsOnlyTheCurrentRow() {
+    // The grid beside the panel stays live: a click or a key moves its current row, and the
+    // decision still acts on the registration the panel shows.
+    void approveStampsOnlyTheOpenedRow() {
         test::clickCell(*form->MSFlexGrid1, 2, 7);  // registration 103
+        test::clickCell(*form->MSFlexGrid1, 1, 1);  // the grid moves to 104, the panel stays
+        QCOMPARE(form->MSFlexGrid1->Row(), 1);
+        QVERIFY(form->Picture1->isVisible());
         messages->answer(platform::vbNo);
         form->Command3->click();
         QCOMPARE(pending(), 7);
@@ -174,19 +195,22 @@ class TestReview final : public QObject {
 
         // A super-user session approves under an empty name: reviewed all the same.
         CurrentUserName.clear();
-        form->MSFlexGrid1->setRow(1);
+        test::doubleClickCell(*form->MSFlexGrid1, 1, 2);
         form->Command3_Click();
         QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 104"), QVariant(""));
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({102, 101}));
     }
 
-    void rejectDeletesOnlyTheCurrentRow() {
-        form->MSFlexGrid1->setRow(3);  // registration 102
+    void rejectDeletesOnlyTheOpenedRow() {
+        test::doubleClickCell(*form->MSFlexGrid1, 3, 2);  // registration 102
+        form->MSFlexGrid1->setFocus();
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Down);
+        QCOMPARE(form->MSFlexGrid1->Row(), 4);
         messages->answer(platform::vbNo);
         form->Command1_Click();
         QCOMPARE(db->count("select count(*) from 业户互联网"), 8);
 
-        form->Command1_Click();
+        form->Command1->click();
         QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核不通过？"));
         QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID = 102"), 0);
         QCOMPARE(db->count("select count(*) from 业户互联网"), 7);
@@ -209,7 +233,18 @@ class TestReview final : public QObject {
         QVERIFY(qAbs(panel.center().y() - grid.center().y()) <= 1);
         QCOMPARE(form->StatusBar1->geometry().bottom(), form->height() - 1);
 
+        // At its smallest the window still shows the whole panel and clear corner buttons.
+        form->resize(1, 1);
+        QTest::qWait(1);
+        QCOMPARE(form->size(), form->minimumSize());
+        const QRect above = form->rect().adjusted(0, 0, 0, -form->StatusBar1->height());
+        QVERIFY(above.contains(form->Picture1->geometry()));
+        QVERIFY(form->Command4->x() > form->Command6->geometry().right());
+        QVERIFY(form->rect().contains(form->Command5->geometry()));
+
+        // Where the window system lets it be smaller, what does not fit keeps its former place.
         const QRect before = form->MSFlexGrid1->geometry();
+        form->setMinimumSize(0, 0);
         form->resize(8, 8);
         QTest::qWait(1);
         QCOMPARE(form->MSFlexGrid1->size(), before.size());
@@ -219,6 +254,9 @@ class TestReview final : public QObject {
 
     void closeImageShowsPressedThenClosesPanel() {
         test::clickCell(*form->MSFlexGrid1, 1, 7);
+        QTest::mouseClick(form->Image1, Qt::RightButton);  // the left button only
+        QCOMPARE(form->Image1->BorderStyle(), 0);
+        QVERIFY(form->Picture1->isVisible());
         QTest::mousePress(form->Image1, Qt::LeftButton);
         QCOMPARE(form->Image1->BorderStyle(), 1);
         QVERIFY(form->Picture1->isVisible());
@@ -230,13 +268,13 @@ class TestReview final : public QObject {
         QVERIFY(!form->Picture1->isVisible());
     }
 
-    void registerOpensInFrontAndClosingEndsTheProgram() {
+    void registerOpensFromHereAndClosingEndsTheProgram() {
         test::EndRecorder ends;
+        const QWidget* openedFrom = nullptr;
+        showApprovedRegister = [&openedFrom](const QWidget& opener) { openedFrom = &opener; };
         form->Command6->click();
-        QVERIFY(registerForm().isVisible());
-        QCOMPARE(registerForm().MSFlexGrid1->Rows(), 2);  // approved 108
-        registerForm().Command5->click();
-        QVERIFY(!registerForm().isVisible());
+        showApprovedRegister = nullptr;
+        QCOMPARE(openedFrom, form.get());
         QCOMPARE(ends.count, 0);
         form->Command5->click();
         QCOMPARE(ends.count, 1);

@@ -144,7 +144,7 @@ class LoginTest final : public QObject {
         QCOMPARE(signIn.mainScreens, 1);
     }
 
-    void twoPostsAreChosenByDoubleClick() {
+    void twoPostsAreChosenInTheList() {
         test::FixtureDb db;
         seedStaff(db);
         SignIn signIn;
@@ -161,7 +161,7 @@ class LoginTest final : public QObject {
         const int second = signIn.form.List1->row(
             signIn.form.List1->findItems("工程部", Qt::MatchStartsWith).first());
         signIn.form.List1->setCurrentRow(second);
-        signIn.form.List1_DblClick();
+        QTest::keyClick(signIn.form.List1, Qt::Key_Return);  // as a double-click
         QCOMPARE(signIn.mainScreens, 1);
         QCOMPARE(CurrentPostName, QString("维修员"));
         QCOMPARE(CurrentUserName, QString("李强"));

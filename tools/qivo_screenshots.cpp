@@ -1,5 +1,6 @@
 // qivo-screenshots DIR: signs in on a fresh demo database and saves the screens the README
-// shows as PNG files in DIR. Run it offscreen (QT_QPA_PLATFORM=offscreen).
+// shows, the owner screen included, as PNG files in DIR. Run it offscreen
+// (QT_QPA_PLATFORM=offscreen).
 #include <QDir>
 #include <QFile>
 #include <QPushButton>
@@ -9,6 +10,8 @@
 
 #include "db/demo_data.h"
 #include "db/schema.h"
+#include "owner/owner_form.h"
+#include "platform/ado.h"
 #include "platform/error_path.h"
 #include "platform/msgbox.h"
 #include "platform/screen_font.h"
@@ -61,11 +64,24 @@ void openFirstRow(Screen& screen, Wanted wanted) {
     }
 }
 
+// The pictures show the windows as they open on a 1280x800 screen, the size the screens are
+// checked at, rather than on the offscreen platform's default 800x600.
+void useScreen1280x800(const QTemporaryDir& config) {
+    const QString path = config.filePath(QStringLiteral("screen.json"));
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(R"({"screens": [{"name": "screen", "x": 0, "y": 0, "width": 1280, "height": 800,
+                   "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+    file.close();
+    qputenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + path).toLocal8Bit());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     QTemporaryDir config;
     qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
+    useScreen1280x800(config);
     platform::Application app(argc, argv);
     app.setFont(platform::screenFont(app.font()));
     if (app.arguments().size() != 2) {
@@ -92,6 +108,8 @@ int main(int argc, char** argv) {
     login.Unload();
 
     CurrentUserName = QStringLiteral("王丽");
+    CurrentDeptName = QStringLiteral("客服中心");
+    CurrentPostName = QStringLiteral("客服主管");
     frmQivo账号审核 review;
     review.Show();
     save(review, dir, QStringLiteral("review.png"));
@@ -103,5 +121,17 @@ int main(int argc, char** argv) {
     save(accounts, dir, QStringLiteral("register.png"));
     openFirstRow(accounts, [&accounts] { return accounts.MSFlexGrid2->Rows() > 2; });
     save(accounts, dir, QStringLiteral("register_panel.png"));
+
+    // The first household with members, as another program of the estate system opens it.
+    platform::Recordset household;
+    household.Open(QStringLiteral("Select ZH_ID From ZHZL Order By ZH_ID"), Connection::cn());
+    frm业户信息 owner;
+    owner.Frame1[0]->Tag = platform::fieldText(household.Fields(QStringLiteral("ZH_ID")));
+    owner.Show();
+    if (!QTest::qWaitForWindowActive(&owner)) {
+        std::fprintf(stderr, "qivo-screenshots: the owner screen did not come up\n");
+        return 1;
+    }
+    save(owner, dir, QStringLiteral("owner.png"));
     return 0;
 }

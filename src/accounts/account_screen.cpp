@@ -1,7 +1,9 @@
 #include "accounts/account_screen.h"
 
+#include <QKeyEvent>
 #include <QScopeGuard>
 #include <QStyle>
+#include <algorithm>
 
 #include "platform/ado.h"
 #include "platform/error_path.h"
@@ -15,6 +17,7 @@ namespace qivo {
 namespace {
 
 constexpr int kTitleHeight = 450;
+constexpr int kGridFooter = 150;  // between the list grid and the status bar
 constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
@@ -68,9 +71,27 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     MSFlexGrid1->setFormatString(design.listFormat);
     platform::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new platform::GridFindBar(MSFlexGrid1, this);
-    StatusBar1 = new platform::StatusBar(this);
+    StatusBar1 = new platform::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
+    // The list has the keyboard first: arrow keys move along it, Enter opens a row.
+    MSFlexGrid1->setFocus();
+    connect(MSFlexGrid1, &platform::FlexGrid::KeyPress, this,
+            [this](int keyAscii) { platform::guarded([&] { MSFlexGrid1_KeyPress(keyAscii); }); });
+}
+
+void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
+    if (keyAscii == 13) {
+        MSFlexGrid1_DblClick();
+    }
+}
+
+void AccountScreen::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && Picture1->isVisible()) {
+        closePanel();
+        return;
+    }
+    platform::Form::keyPressEvent(event);
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const platform::TwipsRect& place,
@@ -151,7 +172,7 @@ void AccountScreen::Form_Resize() {
 
     platform::TwipsRect grid = platform::twipsGeometry(MSFlexGrid1);
     apply(height - platform::twipsGeometry(Label1[0]).height -
-              platform::twipsGeometry(StatusBar1).height - 150,
+              platform::twipsGeometry(StatusBar1).height - kGridFooter,
           grid.height);
     apply(width - design_.gridMargin, grid.width);
     platform::setTwipsGeometry(MSFlexGrid1, grid);
@@ -184,7 +205,7 @@ void AccountScreen::Image1_MouseUp() {
 }
 
 void AccountScreen::Image1_Click() {
-    Picture1->setVisible(false);
+    closePanel();
 }
 
 void AccountScreen::ClearAccountFields() {
@@ -207,8 +228,11 @@ void AccountScreen::prepareListGrid() {
     }
 }
 
-void AccountScreen::showUserName() {
+void AccountScreen::showSignedInUser() {
     StatusBar1->setPanelText(2, CurrentUserName);
+    QStringList post{CurrentDeptName, CurrentPostName};
+    post.removeAll(QString());
+    StatusBar1->setPanelText(3, post.join(u' '));
 }
 
 void AccountScreen::copyAccountCells(int row) {
@@ -260,9 +284,42 @@ void AccountScreen::fillList(
     }
 }
 
-void AccountScreen::openPanel() {
+void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleRow) {
+    constexpr int kGap = 120;
+    int titleRight = 0;
+    for (const QWidget* control : titleRow) {
+        const platform::TwipsRect place = platform::twipsGeometry(control);
+        titleRight = std::max(titleRight, place.left + place.width);
+    }
+    const int corner = platform::twipsGeometry(Command4).width +
+                       platform::twipsGeometry(Command5).width + design_.refreshGap;
+    const int width =
+        std::max(design_.panel.width + design_.gridMargin, titleRight + kGap + corner);
+    const int height = kTitleHeight + kGridFooter + design_.panel.height +
+                       platform::pixelsToTwips(StatusBar1->sizeHint().height());
+    const auto pixels = [](int twips) {
+        return (twips + platform::kTwipsPerPixel - 1) / platform::kTwipsPerPixel;
+    };
+    setMinimumSize(pixels(width), pixels(height));
+}
+
+void AccountScreen::openPanel(int row) {
+    opened_ = MSFlexGrid1->RowData(row);
     Picture1->setVisible(true);
     Picture1->raise();
+}
+
+void AccountScreen::closePanel() {
+    const bool hadKeyboard = Picture1->isAncestorOf(focusWidget());
+    opened_.reset();
+    Picture1->setVisible(false);
+    if (hadKeyboard) {
+        MSFlexGrid1->setFocus();
+    }
+}
+
+qint32 AccountScreen::openedRegistration() const {
+    return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
 }
 
 }  // namespace qivo

@@ -6,6 +6,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <optional>
 
 #include "platform/flex_grid.h"
 #include "platform/form.h"
@@ -52,6 +53,10 @@ class AccountScreen : public platform::Form {
     std::array<platform::TextBox*, 11> Text2{};
 
     void Form_Resize() override;
+    // Opens the current list row into the panel.
+    virtual void MSFlexGrid1_DblClick() = 0;
+    // Enter on a list row opens it, as a double-click does.
+    void MSFlexGrid1_KeyPress(int keyAscii);
     void Image1_MouseDown();
     void Image1_MouseUp();
     void Image1_Click();
@@ -66,7 +71,8 @@ class AccountScreen : public platform::Form {
 
     // Load-time set-up of the list: header row only, key column hidden, headers centred.
     void prepareListGrid();
-    void showUserName();
+    // The signed-in user's name in panel 2, the post (department and post name) in panel 3.
+    void showSignedInUser();
     // The registration's cells of a list row into Text1.
     void copyAccountCells(int row);
     // The owner's record into Text2; a Null 姓名 is a run-time error.
@@ -75,7 +81,17 @@ class AccountScreen : public platform::Form {
     // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
     void fillList(const QString& sql,
                   const std::function<void(int row, const platform::Recordset&)>& finishRow);
-    void openPanel();
+    // Shows the panel for list row `row`, whose registration the decisions then act on: the list
+    // beside the panel stays live, so its current row may move on meanwhile.
+    void openPanel(int row);
+    void closePanel();
+    // The registration the open panel shows; with none opened, the current row's, unchecked.
+    qint32 openedRegistration() const;
+    // Escape closes an open panel, as its close button does.
+    void keyPressEvent(QKeyEvent* event) override;
+    // The smallest window at which the panel fits whole over the list and the corner buttons
+    // stay clear of titleRow, the other controls along the top; the resize rules hold above it.
+    void setSmallestSize(std::initializer_list<const QWidget*> titleRow);
 
   private:
     void buildPanel();
@@ -86,6 +102,7 @@ class AccountScreen : public platform::Form {
     void dockStatusBar();
 
     AccountScreenDesign design_;
+    std::optional<qint32> opened_;
 };
 
 // One column of a grid format string: alignment mark, header, and the blanks that widen it.

@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <cstring>
 
+#include "accounts/register_opener.h"
 #include "app/owner_launch.h"
 #include "check/workstation_check.h"
 #include "platform/end.h"
 #include "platform/error_path.h"
 #include "platform/screen_font.h"
+#include "register/register_form.h"
 #include "review/review_form.h"
 #include "session/command_line.h"
 #include "session/login_form.h"
@@ -60,6 +62,9 @@ int main(int argc, char** argv) {
         }
         qivo::setCommand(commandLine);
         qivo::showMainScreen = [] { qivo::reviewForm().Show(); };
+        qivo::showApprovedRegister = [](const QWidget& opener) {
+            qivo::registerForm().ShowBeside(opener);
+        };
         login.Show();
     }
     // The start-up benchmark measures up to the first shown window.
@@ -67,7 +72,7 @@ int main(int argc, char** argv) {
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
     }
     if (qivo::platform::endRequested()) {
-        return 0;
+        return ownerLaunch ? ownerLaunch->exitStatus() : 0;
     }
     return app.exec();
 }

@@ -1,24 +1,15 @@
 #include "owner/owner_form.h"
 
-#include <algorithm>
-
 #include "owner/box_value.h"
 #include "owner/owner_fields.h"
 #include "owner/owner_key_receiver.h"
 #include "owner/owner_sql.h"
 #include "platform/ado.h"
+#include "platform/blanks.h"
 #include "platform/msgbox.h"
 #include "session/connection.h"
 
 namespace qivo {
-
-namespace {
-
-bool isBlank(const QString& text) {
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c == u' '; });
-}
-
-}  // namespace
 
 void frm业户信息::Form_Activate() {
     const QString ownerKey = Frame1[0]->Tag;
@@ -97,7 +88,7 @@ void frm业户信息::showMemberLine(int row, const platform::Recordset& member)
 }
 
 void frm业户信息::Command3_Click() {
-    if (isBlank(Text2[0]->text())) {
+    if (platform::trimBlanks(Text2[0]->text()).isEmpty()) {
         platform::MsgBox(QStringLiteral("请输入业户姓名"));
         return;
     }

@@ -1,4 +1,5 @@
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QVBoxLayout>
 
 #include "owner/owner_fields.h"
@@ -19,6 +20,11 @@ struct Cell {
     int pair;  // 0, 1, 2 … from the left
     int pairSpan = 1;
 };
+
+// The narrowest a box may get when the window shrinks: a date still shows whole.
+int smallestBoxWidth(const QWidget* frame) {
+    return frame->fontMetrics().horizontalAdvance(QStringLiteral("0000-00-00")) + 16;
+}
 
 QPushButton* button(const QString& caption, QWidget* parent) {
     auto* result = new QPushButton(caption, parent);
@@ -75,6 +81,7 @@ void frm业户信息::buildOwnerFrame() {
     for (const Cell& cell : cells) {
         grid->addWidget(addLabel(cell.label, cell.text, frame), cell.row, cell.pair * 2);
         grid->addWidget(cell.control, cell.row, cell.pair * 2 + 1, 1, cell.pairSpan * 2 - 1);
+        cell.control->setMinimumWidth(smallestBoxWidth(frame));
     }
     grid->addWidget(Check1, 3, 5);
     auto* buttons = new QVBoxLayout;
@@ -93,6 +100,10 @@ void frm业户信息::buildMemberFrame() {
     QWidget* frame = Frame1[1];
     Grid2 = new platform::FlexGrid(frame);
     Grid2->setFormatString(owner_fields::kMemberGridFormat.toString());
+    Grid2->setFixedCols(1);
+    // However small the window, the header and a few members stay in view.
+    Grid2->setMinimumHeight(Grid2->horizontalHeader()->sizeHint().height() +
+                            4 * Grid2->verticalHeader()->defaultSectionSize());
     for (int i = 0; i < static_cast<int>(Text3.size()); ++i) {
         Text3[i] = new platform::TextBox(frame, i == 12);
     }
@@ -101,9 +112,14 @@ void frm业户信息::buildMemberFrame() {
     Combo4->addItems({QStringLiteral("男"), QStringLiteral("女")});
     Combo5 = new QComboBox(frame);
     Combo5->addItems({QStringLiteral("已婚"), QStringLiteral("未婚")});
+    // Nothing chosen until a member is picked or the user chooses.
+    Combo4->setCurrentIndex(-1);
+    Combo5->setCurrentIndex(-1);
     Command6 = button(QStringLiteral("新增(&A)"), frame);
     Command5 = button(QStringLiteral("确定(&Q)"), frame);
     Command7 = button(QStringLiteral("删除(&D)"), frame);
+    // Deleting needs a member line, which only a selection gives.
+    Command7->setEnabled(false);
 
     const Cell cells[] = {
         {35, QStringLiteral("姓名"), Text3[0], 0, 0},
@@ -126,6 +142,7 @@ void frm业户信息::buildMemberFrame() {
     for (const Cell& cell : cells) {
         panel->addWidget(addLabel(cell.label, cell.text, frame), cell.row, cell.pair * 2);
         panel->addWidget(cell.control, cell.row, cell.pair * 2 + 1, 1, cell.pairSpan * 2 - 1);
+        cell.control->setMinimumWidth(smallestBoxWidth(frame));
     }
     auto* buttons = new QVBoxLayout;
     buttons->addWidget(Command6);

@@ -5,7 +5,10 @@
 #include <cstdio>
 
 #include "owner/owner_form.h"
+#include "owner/owner_sql.h"
+#include "platform/ado.h"
 #include "platform/end.h"
+#include "platform/runtime_error.h"
 #include "session/connection.h"
 
 namespace qivo {
@@ -19,6 +22,13 @@ const QString kNewOwnerOption = QStringLiteral("--new-owner");
 bool isDecimalKey(const QString& text) {
     static const QRegularExpression decimal(QStringLiteral("^[0-9]+$"));
     return decimal.match(text).hasMatch();
+}
+
+// A screen for a key with no owner row would show an empty owner as if stored.
+bool ownerExists(const QString& ownerKey) {
+    platform::Recordset owner;
+    owner.Open(owner_sql::ownerQuery(ownerKey), Connection::cn());
+    return !owner.Eof();
 }
 
 }  // namespace
@@ -56,8 +66,7 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
     const QString value = at < arguments.size() ? arguments.takeAt(at) : QString();
     auto launch = std::make_unique<OwnerLaunch>(std::move(keyOut));
     if (!isDecimalKey(value)) {
-        std::fprintf(stderr, "qivo-review: %s 后须跟一个数字编号\n", qPrintable(option));
-        platform::End();
+        launch->refuse(option + QStringLiteral(" 后须跟一个数字编号"));
         return launch;
     }
     if (!ConnectDatabase()) {
@@ -65,11 +74,28 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
         return launch;
     }
     if (option == kOwnerOption) {
+        try {
+            if (!ownerExists(value)) {
+                launch->refuse(QStringLiteral("业主表中没有编号为 %1 的业主").arg(value));
+                return launch;
+            }
+        } catch (const platform::RuntimeError& error) {
+            launch->refuse(error.description());
+            return launch;
+        }
+    }
+    if (option == kOwnerOption) {
         launch->open(value, {});
     } else {
         launch->open({}, value);
     }
     return launch;
+}
+
+void OwnerLaunch::refuse(const QString& reason) {
+    std::fprintf(stderr, "qivo-review: %s\n", qPrintable(reason));
+    exitStatus_ = 2;
+    platform::End();
 }
 
 void OwnerLaunch::open(const QString& ownerKey, const QString& roomId) {

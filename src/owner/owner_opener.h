@@ -36,19 +36,25 @@ class OwnerLaunch final {
 
     // The screen; null when it could not be opened (the program has then ended).
     frm业户信息* screen() const { return screen_.get(); }
+    // The program's exit status when it ended without the screen: 2 for a refused key.
+    int exitStatus() const { return exitStatus_; }
 
     // Takes "--owner ZH_ID" (a stored owner) or "--new-owner S_ID" (a new owner of that room)
     // out of arguments. Returns null when neither is there; otherwise connects to the database
-    // and shows the screen, whose key goes to keyOut on unload. Without a database, or without a
-    // number after the option, the program ends instead.
+    // and shows the screen, whose key goes to keyOut on unload. Without a database, without a
+    // number after the option, or with an owner key that 业主表 does not hold, the program ends
+    // instead, the key's refusal told on standard error.
     static std::unique_ptr<OwnerLaunch> fromArguments(QStringList& arguments,
                                                       std::unique_ptr<QIODevice> keyOut);
 
   private:
     void open(const QString& ownerKey, const QString& roomId);
 
+    void refuse(const QString& reason);
+
     OwnerKeyLine keyLine_;
     std::unique_ptr<frm业户信息> screen_;
+    int exitStatus_ = 0;
 };
 
 }  // namespace qivo

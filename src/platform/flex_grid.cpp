@@ -1,8 +1,12 @@
 #include "platform/flex_grid.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStringList>
+#include <QStyledItemDelegate>
+#include <QToolTip>
 #include <algorithm>
 
 #include "platform/flex_grid_model.h"
@@ -26,6 +30,19 @@ int alignmentOfMark(QChar mark) {
     }
     return mark == '>' ? flexAlignRightCenter : flexAlignLeftCenter;
 }
+
+// Fixed columns look like the header row: the button colour and never the selection's.
+class FixedColumnDelegate final : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->backgroundBrush = option->palette.button();
+        option->state &= ~(QStyle::State_Selected | QStyle::State_HasFocus);
+    }
+};
 
 }  // namespace
 
@@ -71,6 +88,7 @@ void FlexGrid::setCols(int cols) {
         throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
     }
     widths_.resize(static_cast<std::size_t>(cols), defaultWidthTwips());
+    formatWidths_.resize(static_cast<std::size_t>(cols), -1);
     model_->setCols(cols);
     col_ = std::clamp(col_, 0, std::max(cols - 1, 0));
     colSel_ = col_;
@@ -92,6 +110,19 @@ void FlexGrid::setColSel(int col) {
     checkCell(0, col);
     colSel_ = col;
     updateSelection();
+}
+
+void FlexGrid::setFixedCols(int cols) {
+    if (cols < 0 || cols > Cols()) {
+        throw RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+    }
+    fixedCols_ = cols;
+    if (fixedLook_ == nullptr) {
+        fixedLook_ = new FixedColumnDelegate(this);
+    }
+    for (int col = 0; col < Cols(); ++col) {
+        setItemDelegateForColumn(col, col < cols ? fixedLook_ : nullptr);
+    }
 }
 
 QString FlexGrid::TextMatrix(int row, int col) const {
@@ -192,10 +223,9 @@ void FlexGrid::setFormatString(const QString& format) {
         if (marked) {
             segment.remove(0, 1);
         }
-        // The blanks behind a header text are there to widen the column.
-        const int pixels = fontMetrics().horizontalAdvance(segment) + kTextPaddingPixels;
-        widths_[static_cast<std::size_t>(col)] =
-            segment.isEmpty() ? defaultWidthTwips() : pixelsToTwips(pixels);
+        const int width = formatWidthTwips(segment);
+        formatWidths_[static_cast<std::size_t>(col)] = width;
+        widths_[static_cast<std::size_t>(col)] = width;
         while (segment.endsWith(' ')) {
             segment.chop(1);
         }
@@ -232,6 +262,40 @@ void FlexGrid::showRow(int row) {
     }
 }
 
+// The blanks behind a header text are there to widen the column. They were counted in a face
+// that draws a blank as wide as a digit, so each is measured as one here.
+int FlexGrid::formatWidthTwips(const QString& segment) const {
+    if (segment.isEmpty()) {
+        return defaultWidthTwips();
+    }
+    qsizetype text = segment.size();
+    while (text > 0 && segment[text - 1] == u' ') {
+        --text;
+    }
+    const QFontMetrics metrics = fontMetrics();
+    const int blanks = static_cast<int>(segment.size() - text);
+    return pixelsToTwips(metrics.horizontalAdvance(segment.left(text)) +
+                         blanks * metrics.horizontalAdvance(u'0') + kTextPaddingPixels);
+}
+
+// Columns still as wide as the format string made them follow a new font.
+void FlexGrid::refitFormatWidths() {
+    const QStringList segments = formatString_.split('|');
+    for (int col = 0; col < Cols() && col < segments.size(); ++col) {
+        QString segment = segments[col];
+        if (!segment.isEmpty() && isAlignmentMark(segment.front())) {
+            segment.remove(0, 1);
+        }
+        const auto at = static_cast<std::size_t>(col);
+        const int fitted = formatWidthTwips(segment);
+        if (widths_[at] == formatWidths_[at]) {
+            widths_[at] = fitted;
+        }
+        formatWidths_[at] = fitted;
+    }
+    applyColumnWidths();
+}
+
 QRect FlexGrid::cellRect(int row, int col) const {
     checkCell(row, col);
     if (row == 0) {
@@ -251,6 +315,31 @@ void FlexGrid::showEvent(QShowEvent* event) {
     }
 }
 
+void FlexGrid::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+        refitFormatWidths();
+    }
+}
+
+// A cell too narrow for its text shows the whole text as its tool tip.
+bool FlexGrid::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QTableView::viewportEvent(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QModelIndex cell = indexAt(help->pos());
+    const QString text = cell.isValid() ? TextMatrix(cell.row() + 1, cell.column()) : QString();
+    const QRect place = visualRect(cell);
+    if (fontMetrics().horizontalAdvance(text) + kTextPaddingPixels > place.width()) {
+        QToolTip::showText(help->globalPos(), text, viewport(), place);
+    } else {
+        QToolTip::hideText();
+    }
+    return true;
+}
+
 void FlexGrid::hideEvent(QHideEvent* event) {
     QTableView::hideEvent(event);
     // A minimised window stays visible; only a real hide stops the view's updates.
@@ -260,18 +349,54 @@ void FlexGrid::hideEvent(QHideEvent* event) {
 }
 
 void FlexGrid::mousePressEvent(QMouseEvent* event) {
+    pressed_ = false;
+    if (event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
     QTableView::mousePressEvent(event);
     const QModelIndex cell = indexAt(event->position().toPoint());
     if (cell.isValid()) {
-        moveTo(cell.row() + 1, cell.column());
+        moveTo(cell.row() + 1, userColumn(cell.column()));
+        pressed_ = true;
+    }
+}
+
+void FlexGrid::mouseReleaseEvent(QMouseEvent* event) {
+    QTableView::mouseReleaseEvent(event);
+    const bool click = pressed_ && event->button() == Qt::LeftButton &&
+                       indexAt(event->position().toPoint()).isValid();
+    pressed_ = false;
+    if (click) {
         Q_EMIT Click();
     }
 }
 
 void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
     QTableView::mouseDoubleClickEvent(event);
+    // The release that ends a double-click is no second Click.
+    pressed_ = false;
     if (indexAt(event->position().toPoint()).isValid()) {
         Q_EMIT DblClick();
+    }
+}
+
+void FlexGrid::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            event->accept();
+            Q_EMIT KeyPress(13);
+            return;
+        case Qt::Key_Escape:
+            event->ignore();
+            return;
+        default:
+            QTableView::keyPressEvent(event);
     }
 }
 
@@ -285,8 +410,13 @@ void FlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& pre
     QTableView::currentChanged(current, previous);
     // Keyboard moves; the grid's own moves already match Row and Col.
     if (current.isValid() && (current.row() + 1 != row_ || current.column() != col_)) {
-        moveTo(current.row() + 1, current.column());
+        moveTo(current.row() + 1, userColumn(current.column()));
     }
+}
+
+// A user's click or key that lands on a fixed column picks the row at its first other column.
+int FlexGrid::userColumn(int col) const {
+    return fixedCols_ < Cols() ? std::max(col, fixedCols_) : col;
 }
 
 void FlexGrid::checkCell(int row, int col) const {

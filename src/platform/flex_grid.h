@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+class QStyledItemDelegate;
+
 namespace qivo::platform {
 
 class FlexGridModel;
@@ -18,6 +20,8 @@ constexpr int flexAlignRightCenter = 7;
 // The flexible grid: row 0 is the header row, rows 1 .. Rows()-1 hold data. Colours are BGR
 // integers (0xFF0000 is blue); a cell without a colour of its own reads back as 0.
 // While the grid is hidden, writes emit no per-cell signals; showing it resets the view once.
+// Click is the left button released over a cell, DblClick its double-click; other buttons do
+// nothing.
 class FlexGrid final : public QTableView {
     Q_OBJECT
   public:
@@ -35,6 +39,9 @@ class FlexGrid final : public QTableView {
     void setCol(int col);
     int ColSel() const { return colSel_; }
     void setColSel(int col);
+    // Columns 0 .. FixedCols()-1 are drawn grey like the header and never become current.
+    int FixedCols() const { return fixedCols_; }
+    void setFixedCols(int cols);
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
@@ -59,7 +66,8 @@ class FlexGrid final : public QTableView {
 
     QString FormatString() const { return formatString_; }
     // "<序    |<项目名称   |^操作 |": columns, header texts, data alignments ('<' left,
-    // '^' centre, '>' right) and initial widths from the header text's width, blanks included.
+    // '^' centre, '>' right) and initial widths from the header text's width, blanks included;
+    // widths still at that value follow later font changes.
     // A trailing '|' adds a last untitled column.
     void setFormatString(const QString& format);
 
@@ -75,12 +83,17 @@ class FlexGrid final : public QTableView {
   Q_SIGNALS:
     void Click();
     void DblClick();
+    void KeyPress(int keyAscii);  // Enter (13); Escape is left to the window
 
   protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -88,19 +101,26 @@ class FlexGrid final : public QTableView {
   private:
     void checkCell(int row, int col) const;  // throws RuntimeError 381 for a cell outside the grid
     void moveTo(int row, int col);
+    int userColumn(int col) const;
     void updateSelection();
     int defaultWidthTwips() const;
+    int formatWidthTwips(const QString& segment) const;
+    void refitFormatWidths();
     void applyColumnWidth(int col);
     void applyColumnWidths();
     void rememberUserWidth(int col, int pixels);
 
     std::unique_ptr<FlexGridModel> model_;
     QString formatString_;
-    std::vector<int> widths_;  // twips; 0 hides the column
+    std::vector<int> widths_;        // twips; 0 hides the column
+    std::vector<int> formatWidths_;  // twips, as the format string gave them
     bool applyingWidths_ = false;
     int row_ = 0;
     int col_ = 0;
     int colSel_ = 0;
+    int fixedCols_ = 0;
+    QStyledItemDelegate* fixedLook_ = nullptr;
+    bool pressed_ = false;  // a left press on a cell that its release will make a Click
 };
 
 }  // namespace qivo::platform

@@ -4,6 +4,7 @@
 #include <QEvent>
 
 #include "platform/error_path.h"
+#include "platform/placement.h"
 #include "platform/twips.h"
 
 namespace qivo::platform {
@@ -34,9 +35,21 @@ void Form::Load() {
 }
 
 void Form::Show() {
+    showPlaced(nullptr);
+}
+
+void Form::ShowBeside(const QWidget& opener) {
+    showPlaced(&opener);
+}
+
+void Form::showPlaced(const QWidget* opener) {
     Load();
     if (!loaded_) {
         return;
+    }
+    if (!placed_) {
+        placeWindow(this, opener);
+        placed_ = true;
     }
     show();
     raise();

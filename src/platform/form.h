@@ -5,10 +5,10 @@
 
 namespace qivo::platform {
 
-// A top-level screen. Show() loads it on first use (Form_Load), shows it and brings it to the
-// front; Unload() closes it (Form_Unload) and the next Show() loads it again. Becoming the
-// active form after another form of the program (not a message box) runs Form_Activate, a size
-// change Form_Resize; each on the common error path.
+// A top-level screen. Show() loads it on first use (Form_Load), shows it whole on the screen
+// and brings it to the front; Unload() closes it (Form_Unload) and the next Show() loads it again.
+// Becoming the active form after another form of the program (not a message box) runs
+// Form_Activate, a size change Form_Resize; each on the common error path.
 class Form : public QWidget {
     Q_OBJECT
   public:
@@ -17,6 +17,8 @@ class Form : public QWidget {
 
     void Load();
     void Show();
+    // Show(), opened the first time offset from the window it is opened from.
+    void ShowBeside(const QWidget& opener);
     void Unload();
     bool isLoaded() const { return loaded_; }
 
@@ -37,7 +39,10 @@ class Form : public QWidget {
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    void showPlaced(const QWidget* opener);
+
     bool loaded_ = false;
+    bool placed_ = false;  // a window keeps its place once it has been on screen
 };
 
 }  // namespace qivo::platform

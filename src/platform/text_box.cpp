@@ -14,6 +14,8 @@ TextBox::TextBox(QWidget* parent, bool multiLine) : QWidget(parent) {
     if (multiLine) {
         plain_ = new QPlainTextEdit(this);
         plain_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+        // Tab moves on to the next control, as from every other box.
+        plain_->setTabChangesFocus(true);
         connect(plain_, &QPlainTextEdit::textChanged, this, &TextBox::changed);
     } else {
         line_ = new QLineEdit(this);

@@ -29,13 +29,13 @@ void frmQivo账号一览表::Form_Load() {
     for (int col = 0; col < MSFlexGrid2->Cols(); ++col) {
         MSFlexGrid2->setColAlignmentFixed(col, platform::flexAlignCenterCenter);
     }
-    showUserName();
+    showSignedInUser();
     LoadApprovedList();
 }
 
 // A list that cannot be read keeps what it showed, without a message.
 void frmQivo账号一览表::LoadApprovedList() {
-    Picture1->setVisible(false);
+    closePanel();
     try {
         fillList(register_sql::approvedListQuery(),
                  [this](int row, const platform::Recordset& record) {
@@ -71,7 +71,7 @@ void frmQivo账号一览表::MSFlexGrid1_DblClick() {
     const QString ownerKey = MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1);
     LoadOwnerDetail(ownerKey.toInt());
     LoadMemberAccounts(ownerKey);
-    openPanel();
+    openPanel(row);
 }
 
 void frmQivo账号一览表::FillAccountFields(qint32 row) {
@@ -129,13 +129,12 @@ void frmQivo账号一览表::Command1_Click() {
     for (int row = 1; row < MSFlexGrid2->Rows(); ++row) {
         members << MSFlexGrid2->RowData(row);
     }
-    Connection::cn().Execute(
-        register_sql::terminateBatch(MSFlexGrid1->RowData(MSFlexGrid1->Row()), members));
+    Connection::cn().Execute(register_sql::terminateBatch(openedRegistration(), members));
     LoadApprovedList();
 }
 
 void frmQivo账号一览表::Command2_Click() {
-    Picture1->setVisible(false);
+    closePanel();
 }
 
 void frmQivo账号一览表::Command4_Click() {

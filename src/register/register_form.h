@@ -17,7 +17,7 @@ class frmQivo账号一览表 final : public AccountScreen {
 
     void Form_Load() override;
     void MSFlexGrid1_Click();
-    void MSFlexGrid1_DblClick();
+    void MSFlexGrid1_DblClick() override;
     void Command1_Click();
     void Command2_Click();
     void Command4_Click();

@@ -40,6 +40,7 @@ frmQivo账号一览表::frmQivo账号一览表(QWidget* parent) : AccountScreen(
     platform::setTwipsGeometry(Command5, {13350, 45, 1365, 375});
     buildMemberArea();
     connectEvents();
+    setSmallestSize({Label1[0]});
 }
 
 void frmQivo账号一览表::buildMemberArea() {

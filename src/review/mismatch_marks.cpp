@@ -2,6 +2,7 @@
 
 #include <QLineEdit>
 
+#include "platform/blanks.h"
 #include "platform/text_box.h"
 
 namespace qivo::review {
@@ -13,7 +14,7 @@ const char* const kMarked = "mismatch";
 }  // namespace
 
 void markMismatch(platform::TextBox* registered, const QString& ownerValue) {
-    if (registered->text().trimmed() == ownerValue.trimmed()) {
+    if (platform::trimBlanks(registered->text()) == platform::trimBlanks(ownerValue)) {
         clearMismatch(registered);
         return;
     }

@@ -1,9 +1,9 @@
 #include "review/review_form.h"
 
+#include "accounts/register_opener.h"
 #include "platform/ado.h"
 #include "platform/end.h"
 #include "platform/msgbox.h"
-#include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_sql.h"
 #include "session/connection.h"
@@ -21,7 +21,7 @@ void frmQivo账号审核::Form_Load() {
     ClearAccountFields();
     ClearOwnerFields();
     prepareListGrid();
-    showUserName();
+    showSignedInUser();
     LoadPendingList();
 }
 
@@ -29,13 +29,18 @@ void frmQivo账号审核::Form_Unload() {
     platform::End();
 }
 
+// A list that cannot be read keeps what it showed, without a message.
 void frmQivo账号审核::LoadPendingList() {
-    Picture1->setVisible(false);
-    fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
-        MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
-        MSFlexGrid1->setCol(kReviewCol);
-        MSFlexGrid1->setCellForeColor(kBlue);
-    });
+    closePanel();
+    try {
+        fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
+            MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
+            MSFlexGrid1->setCol(kReviewCol);
+            MSFlexGrid1->setCellForeColor(kBlue);
+        });
+    } catch (const std::exception&) {
+        return;
+    }
 }
 
 void frmQivo账号审核::MSFlexGrid1_Click() {
@@ -48,8 +53,8 @@ void frmQivo账号审核::MSFlexGrid1_DblClick() {
     if (MSFlexGrid1->Rows() == 1) {
         return;
     }
-    openPanel();
     const int row = MSFlexGrid1->Row();
+    openPanel(row);
     ShowAccountRow(row);
     ShowOwner(MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1).toInt());
     markMismatches();
@@ -90,28 +95,28 @@ void frmQivo账号审核::markMismatches() {
 }
 
 void frmQivo账号审核::Command3_Click() {
-    decideCurrentRow(QStringLiteral("确认该Qivo账号审核通过？"), [](qint32 registration) {
+    decideOpenedRow(QStringLiteral("确认该Qivo账号审核通过？"), [](qint32 registration) {
         return review_sql::approveStatement(QDate::currentDate(), CurrentUserName, registration);
     });
 }
 
 void frmQivo账号审核::Command1_Click() {
-    decideCurrentRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
+    decideOpenedRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
 }
 
-// Asks the question; on Yes runs the statement for the current row's registration and reloads
-// the list. Whether a row is selected or the panel open is not checked.
-void frmQivo账号审核::decideCurrentRow(const QString& question,
-                                       const std::function<QString(qint32)>& statement) {
+// Asks the question; on Yes runs the statement for the registration the panel shows and reloads
+// the list.
+void frmQivo账号审核::decideOpenedRow(const QString& question,
+                                      const std::function<QString(qint32)>& statement) {
     if (platform::MsgBox(question, platform::vbYesNo) == platform::vbNo) {
         return;
     }
-    Connection::cn().Execute(statement(MSFlexGrid1->RowData(MSFlexGrid1->Row())));
+    Connection::cn().Execute(statement(openedRegistration()));
     LoadPendingList();
 }
 
 void frmQivo账号审核::Command2_Click() {
-    Picture1->setVisible(false);
+    closePanel();
 }
 
 void frmQivo账号审核::Command4_Click() {
@@ -123,7 +128,7 @@ void frmQivo账号审核::Command5_Click() {
 }
 
 void frmQivo账号审核::Command6_Click() {
-    registerForm().Show();
+    showApprovedRegister(*this);
 }
 
 }  // namespace qivo

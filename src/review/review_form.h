@@ -18,7 +18,7 @@ class frmQivo账号审核 final : public AccountScreen {
     void Form_Load() override;
     void Form_Unload() override;
     void MSFlexGrid1_Click();
-    void MSFlexGrid1_DblClick();
+    void MSFlexGrid1_DblClick() override;
     void Command1_Click();
     void Command2_Click();
     void Command3_Click();
@@ -34,7 +34,7 @@ class frmQivo账号审核 final : public AccountScreen {
     void buildButtons();
     void connectEvents();
     void markMismatches();
-    void decideCurrentRow(const QString& question, const std::function<QString(qint32)>& statement);
+    void decideOpenedRow(const QString& question, const std::function<QString(qint32)>& statement);
 
     bool ownerShown_ = false;
 };

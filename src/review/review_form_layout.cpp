@@ -37,6 +37,7 @@ frmQivo账号审核::frmQivo账号审核(QWidget* parent) : AccountScreen(review
     platform::setTwipsGeometry(this, {0, 0, 15030, 9000});
     buildButtons();
     connectEvents();
+    setSmallestSize({Label1[0], Command6});
 }
 
 void frmQivo账号审核::buildButtons() {

@@ -7,7 +7,9 @@
 #include <array>
 
 #include "platform/ado.h"
+#include "platform/blanks.h"
 #include "platform/end.h"
+#include "platform/error_path.h"
 #include "platform/msgbox.h"
 #include "platform/runtime_error.h"
 #include "platform/text_box.h"
@@ -117,7 +119,7 @@ void frmLogin::signIn() {
         return;
     }
     platform::Recordset staff;
-    staff.Open(StaffQuery(user, password.trimmed()), Connection::cn());
+    staff.Open(StaffQuery(user, platform::trimBlanks(password)), Connection::cn());
     if (staff.Eof()) {
         platform::MsgBox(QStringLiteral("用户名或密码不正确,请重新输入!"), platform::vbInformation);
         return;
@@ -137,6 +139,8 @@ void frmLogin::signIn() {
     }
     Label2->setVisible(true);
     List1->setVisible(true);
+    // Arrow keys and Enter pick a post without the mouse.
+    List1->setFocus();
 }
 
 void frmLogin::listPosts(platform::Recordset& posts) {
@@ -172,7 +176,7 @@ void frmLogin::List1_DblClick() {
         &choice.postCategoryName};
     const auto values = sessionValues();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        *values[i] = fields[i]->trimmed();
+        *values[i] = platform::trimBlanks(*fields[i]);
     }
     handOver();
 }
@@ -182,6 +186,17 @@ void frmLogin::handOver() {
         showMainScreen();
     }
     Unload();
+}
+
+bool frmLogin::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == List1 && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            platform::guarded([this] { List1_DblClick(); });
+            return true;
+        }
+    }
+    return platform::Form::eventFilter(watched, event);
 }
 
 void frmLogin::cmdCancel_Click() {

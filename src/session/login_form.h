@@ -55,6 +55,10 @@ class frmLogin final : public platform::Form {
     void cmdCancel_Click();
     void List1_DblClick();
 
+  protected:
+    // Enter on a post chooses it, as a double-click does.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void buildControls();
     void connectEvents();

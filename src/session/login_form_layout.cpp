@@ -69,6 +69,7 @@ void frmLogin::connectEvents() {
     onEvent(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
     onEvent(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
     onEvent(List1, &QListWidget::itemDoubleClicked, this, [this] { List1_DblClick(); });
+    List1->installEventFilter(this);
 }
 
 }  // namespace qivo
