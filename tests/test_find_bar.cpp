@@ -27,7 +27,7 @@ const QString kRegistrations = QStringLiteral(
 
 }  // namespace
 
-class TestReviewFind final : public QObject {
+class TestFindBar final : public QObject {
     Q_OBJECT
     std::unique_ptr<test::FixtureDb> db;
 
@@ -69,5 +69,5 @@ class TestReviewFind final : public QObject {
     void registerScreen() { findThenOpen<frmQivo账号一览表>(QStringLiteral("qv201"), 4); }
 };
 
-QIVO_TEST_MAIN(TestReviewFind)
-#include "test_review_find.moc"
+QIVO_TEST_MAIN(TestFindBar)
+#include "test_find_bar.moc"
