@@ -194,6 +194,8 @@ class TestPlatformGrid final : public QObject {
         list.bar->findText()->setText(typed);
         QCOMPARE(list.grid->Row(), row);
         QCOMPARE(list.bar->result(), result);
+        QCOMPARE(list.grid->selectionModel()->isRowSelected(row - 1),
+                 result != QStringLiteral("无匹配"));
         QCOMPARE(clicks.count() + doubleClicks.count(), 0);
     }
 

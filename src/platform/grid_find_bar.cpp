@@ -93,7 +93,11 @@ void GridFindBar::find(Direction direction) {
         match = at == matches.begin() ? matches.size() - 1
                                       : static_cast<std::size_t>(at - matches.begin()) - 1;
     }
+    // The whole row is selected, so the reviewer sees which one was found; the current column
+    // after a fill is the hidden key column, which shows no selection.
     grid_->setRow(matches[match]);
+    grid_->setCol(grid_->FixedCols());
+    grid_->setColSel(grid_->Cols() - 1);
     grid_->showRow(matches[match]);
     result_->setStyleSheet({});
     result_->setText(QStringLiteral("%1 / %2").arg(match + 1).arg(matches.size()));
