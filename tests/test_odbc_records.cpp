@@ -140,7 +140,6 @@ class OdbcRecordsTest final : public QObject {
     void errorsCarryServerNumbers_data() {
         QTest::addColumn<QString>("command");
         QTest::addColumn<long>("number");
-        QTest::newRow("syntax") << "Delect From ZHZL Where ZL_ID=1" << 102L;
         QTest::newRow("object") << "select * from 无此表" << 208L;
         QTest::newRow("column") << "select 无此列 from ZHZL" << 207L;
         QTest::newRow("date") << "Update 业户互联网 Set 审核日期 ='yesterday'" << -2147217913L;

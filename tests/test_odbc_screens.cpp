@@ -41,18 +41,7 @@ class OdbcScreensTest final : public QObject {
 
     // The staff row is still open when the posts are read.
     void signInWithOneAndTwoPosts() {
-        test::OdbcFixture odbc([](test::FixtureDb& db) {
-            db.exec(
-                "insert into 职能部门类别 values ('C1', '管理部门');"
-                "insert into 职能部门new values ('D1', '客服中心', 'C1'), ('D2', '工程部', 'C1');"
-                "insert into 岗位类别 values ('K1', '管理岗');"
-                "insert into 岗位信息new values ('P1', '客服主管', 'D1', 'K1'),"
-                " ('P2', '维修员', 'D2', 'K1');"
-                "insert into 员工档案 (工号, 帐号密码, 姓名) values ('1001', 'pw', '欧阳丽娜'),"
-                " ('1002', 'pw', '李强');"
-                "insert into 岗位员工new values ('1001', 'P1', 1, null), ('1002', 'P1', 1, null),"
-                " ('1002', 'P2', 0, null)");
-        });
+        test::OdbcFixture odbc(test::writeStaff);
         test::MsgBoxRecorder boxes;
         int mainScreens = 0;
         showMainScreen = [&mainScreens] { ++mainScreens; };
@@ -63,7 +52,7 @@ class OdbcScreensTest final : public QObject {
             form.txtPassword->setText("pw");
             form.cmdOK->click();
             QCOMPARE(mainScreens, 1);
-            QCOMPARE(CurrentUserName, QString("欧阳丽娜"));
+            QCOMPARE(CurrentUserName, QString("王丽"));
             QCOMPARE(CurrentPostName, QString("客服主管"));
         }
         frmLogin form;
@@ -158,8 +147,7 @@ class OdbcScreensTest final : public QObject {
         QVERIFY(odbc.db.scalar("select 固定电话" + row).isNull());
 
         // Member update and a new member with empty boxes.
-        QTest::mouseClick(form.Grid2->viewport(), Qt::LeftButton, {},
-                          form.Grid2->cellRect(1, 1).center());
+        test::clickCell(*form.Grid2, 1, 1);
         form.Text3[0]->setText("张三丰");
         form.Text3[2]->setText("1990-01-03");
         form.Command5_Click();
@@ -175,8 +163,7 @@ class OdbcScreensTest final : public QObject {
 
         // The misspelt delete reaches the error path with the server's syntax error; the
         // connection goes on serving.
-        QTest::mouseClick(form.Grid2->viewport(), Qt::LeftButton, {},
-                          form.Grid2->cellRect(1, 1).center());
+        test::clickCell(*form.Grid2, 1, 1);
         const qsizetype before = boxes.messages.size();
         form.Command7->click();
         QCOMPARE(boxes.messages.size(), before + 2);

@@ -82,6 +82,7 @@ class TestPlatformGrid final : public QObject {
 
         grid.RemoveItem(2);
         QCOMPARE(grid.Rows(), 8);
+        QCOMPARE(grid.TextMatrix(0, 2), QStringLiteral("地址"));
         verifyRow(grid, 1, 1);
         verifyRow(grid, 2, 3);
         verifyRow(grid, 4, 5);

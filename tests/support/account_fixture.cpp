@@ -28,4 +28,18 @@ void writeEstates(FixtureDb& db) {
         "insert into 业主表 (ZH_ID, S_ID, 姓名, 说明) values (5, 5, '孙七', '新进户')"));
 }
 
+void writeStaff(FixtureDb& db) {
+    db.exec(
+        "insert into 职能部门类别 values ('C1', '管理部门');"
+        "insert into 职能部门new values ('D1', '客服中心', 'C1'), ('D2', '工程部', 'C1');"
+        "insert into 岗位类别 values ('K1', '管理岗');"
+        "insert into 岗位信息new values ('P1', '客服主管', 'D1', 'K1'),"
+        " ('P2', '维修员 ', 'D2', 'K1');"
+        "insert into 员工档案 (工号, 帐号密码, 姓名, 离职日期) values"
+        " ('1001', 'pw', ' 王丽 ', null), ('1002', 'pw', '李强', null),"
+        " ('1003', 'pw', '赵敏', '2024-01-31'), ('1004', 'pw', '孙杰', null);"
+        "insert into 岗位员工new values ('1001', 'P1', 1, null), ('1002', 'P1', 1, null),"
+        " ('1002', 'P2', 0, null), ('1003', 'P1', 1, null), ('1004', 'P1', 1, '2024-05-01')");
+}
+
 }  // namespace qivo::test

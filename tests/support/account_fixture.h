@@ -10,4 +10,8 @@ class FixtureDb;
 // 说明 are "新进户", Null, "" and "新进户 " (trailing blank) for owners 1-4.
 void writeEstates(FixtureDb& db);
 
+// Staff with password "pw": 1001 " 王丽 " holds one post (客服中心 客服主管), 1002 李强 two (that
+// one as main, 工程部 "维修员 " as second), 1003 has left, 1004's post has ended.
+void writeStaff(FixtureDb& db);
+
 }  // namespace qivo::test
