@@ -45,7 +45,8 @@ test: build
 bench: build
 	@cmake --build $(BUILD) --target qivo-bench -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \
-	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen $(BUILD)/qivo-bench
+	  XDG_CONFIG_HOME="$$cfg" QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES='default.warning=false' \
+	  $(BUILD)/qivo-bench
 
 screenshots: build
 	@cmake --build $(BUILD) --target qivo-screenshots -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
