@@ -54,7 +54,7 @@ QString procedureName(quint16 id) {
 std::optional<QVariant> readParameter(Reader& in) {
     const quint8 type = in.u8();
     switch (type) {
-        case 0x26:    // intn: whole numbers go out as bigint
+        case 0x26:    // intn: the program's whole numbers go out as bigint, the driver's as int
         case 0x68:    // bitn
         case 0x6D: {  // floatn: doubles
             in.u8();
@@ -62,10 +62,10 @@ std::optional<QVariant> readParameter(Reader& in) {
             if (length == 0) {
                 return QVariant();
             }
-            const quint64 raw = length == 8   ? in.u64()
-                                : length == 4 ? in.u32()
-                                : length == 2 ? in.u16()
-                                              : in.u8();
+            const qint64 raw = length == 8   ? qint64(in.u64())
+                               : length == 4 ? qint32(in.u32())
+                               : length == 2 ? qint16(in.u16())
+                                             : in.u8();
             return type == 0x6D ? QVariant(std::bit_cast<double>(raw)) : QVariant(qlonglong(raw));
         }
         case 0xE7: {  // nvarchar
