@@ -7,6 +7,7 @@
 
 #include "check/workstation_check.h"
 #include "platform/settings.h"
+#include "support/odbc_fixture.h"
 #include "support/test_support.h"
 
 using namespace qivo;
@@ -79,6 +80,47 @@ class CheckTest final : public QObject {
         for (const QString& text : named) {
             QVERIFY2(report.contains(text), qPrintable(report));
         }
+    }
+
+    // Over FreeTDS to the stand-in SQL Server, under a login that reads dates day first: every
+    // probe passes, and a server that keeps what a rolled-back transaction wrote is caught by the
+    // probe that saves inside one.
+    void serverProbes_data() {
+        QTest::addColumn<bool>("rollbackKeeps");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QStringList>("named");
+        QTest::newRow("sound server")
+            << false << int(check::AllPresent)
+            << QStringList{"✓ 未读完的记录集旁再查询：第一个查询读到 2 行",
+                           "✓ 中文往返",
+                           "业主表.说明 nvarchar(10)",
+                           "业主表 自增列 ZH_ID，触发器 无",
+                           "✓ 保存与终止（回滚）",
+                           "✓ 程序使用的每张表和每一列都在"};
+        QTest::newRow("rollback keeps writes")
+            << true << int(check::SomethingMissing)
+            << QStringList{"✗ 保存与终止（回滚）：回滚后仍留下业主 1 行、成员 1 行", "✓ 权限",
+                           "SQL Server 检查未全部通过"};
+    }
+    void serverProbes() {
+        QFETCH(bool, rollbackKeeps);
+        QFETCH(int, status);
+        QFETCH(QStringList, named);
+        QVERIFY(test::useFreeTds());
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            db.exec("insert into 业主表 (ZH_ID, 姓名) values (1, '欧阳建国')");
+            db.exec("insert into 业户互联网 (ZH_ID, 属性) values (1, '业主'), (1, '成员')");
+        });
+        odbc.server().setDayFirstLogins(true);
+        odbc.server().setRollbackKeepsWrites(rollbackKeeps);
+        QString report;
+        QTextStream out(&report);
+        QCOMPARE(check::checkWorkstation(out), status);
+        for (const QString& text : named) {
+            QVERIFY2(report.contains(text), qPrintable(report));
+        }
+        QCOMPARE(report.count("✗"), rollbackKeeps ? 2 : 0);
+        QCOMPARE(odbc.db.count("select count(*) from 业主表"), rollbackKeeps ? 2 : 1);
     }
 };
 

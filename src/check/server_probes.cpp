@@ -2,7 +2,6 @@
 
 #include <QSqlDatabase>
 #include <QSqlError>
-#include <QSqlQuery>
 #include <QTextStream>
 #include <functional>
 
@@ -77,8 +76,7 @@ Seen chineseTextRoundTrip(platform::AdoConnection& connection) {
     const QVariantList row =
         rowsOf(connection,
                "select cast(N'" + pair + "' as varchar(8)), cast(N'" + pair +
-                   "' as nvarchar(4)), cast(replicate(cast(N'长' as varchar(max)), 3000) as "
-                   "varchar(8000)), cast(N'" +
+                   "' as nvarchar(4)), cast(replicate(N'长', 3000) as varchar(8000)), cast(N'" +
                    outsideGbk + "' as nvarchar(2))")
             .value(0);
     QStringList damaged;
@@ -126,8 +124,10 @@ Seen columnTypes(platform::AdoConnection& connection) {
             continue;
         }
         ++seen;
+        static const QStringList kNotable = {"nvarchar", "nchar",     "ntext",
+                                             "date",     "datetime2", "text"};
         const QString type = row[2].toString().toLower();
-        if (type.startsWith(u'n') || type == u"date" || type == u"datetime2" || type == u"text") {
+        if (kNotable.contains(type)) {
             notable << name + u' ' + type +
                            (row[3].isNull() ? QString() : u'(' + row[3].toString() + u')');
         }
@@ -200,6 +200,7 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
     }
     QString ownerKey;
     QString memberKey;
+    QString birthDate;
     try {
         platform::Recordset owner;
         owner.Open(owner_sql::newOwnerQuery(), connection, platform::adOpenKeyset,
@@ -219,9 +220,10 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
         member.setField("Zh_id", ownerKey);
         member.setField("ZL_xm", QStringLiteral("检查"));
         member.setField("ZL_xb", QStringLiteral(""));
-        member.setField("ZL_csrq", QStringLiteral("20240305"));
+        member.setField("ZL_csrq", QStringLiteral("2024-03-05"));  // as typed on the owner screen
         member.Update();
         memberKey = member.Fields("ZL_ID").toString();
+        birthDate = platform::fieldText(member.Fields("ZL_csrq"));
 
         platform::Recordset edit;
         edit.Open(owner_sql::memberQuery(memberKey), connection, platform::adOpenKeyset,
@@ -229,10 +231,11 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
         edit.setField("ZL_xm", QVariant());
         edit.Update();
 
-        // Keys no registration has: the batch runs and removes nothing.
-        QSqlQuery batch(db);
-        if (!batch.exec(register_sql::terminateBatch(-1, {-2}))) {
-            platform::throwSqlError(batch.lastError());
+        // Keys no registration has: the batch runs and removes nothing. Its statements go one by
+        // one, as Execute sends them, but inside this transaction: Execute would commit it.
+        const platform::Engine& engine = connection.engine();
+        for (const QString& statement : engine.statements(register_sql::terminateBatch(-1, {-2}))) {
+            engine.execute(db, {statement});
         }
     } catch (...) {
         db.rollback();
@@ -246,14 +249,23 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
             false,
             QStringLiteral("保存后没有读回新键（ZH_ID=%1，ZL_ID=%2）").arg(ownerKey, memberKey)};
     }
-    const int left = rowsOf(connection, "select count(*) from 业主表 where ZH_ID=" + ownerKey)
-                         .value(0)
-                         .value(0)
-                         .toInt();
-    return {left == 0,
-            QStringLiteral("新业主 ZH_ID=%1、成员 ZL_ID=%2 已保存、修改，终止批处理已执行，"
-                           "全部回滚%3")
-                .arg(ownerKey, memberKey, left == 0 ? QString() : "失败：业主行仍在")};
+    if (birthDate != u"2024-03-05") {
+        return {false, QStringLiteral("键入的出生日期 2024-03-05 存为「%1」").arg(birthDate)};
+    }
+    const QVariantList left =
+        rowsOf(connection, "select (select count(*) from 业主表 where ZH_ID=" + ownerKey +
+                               "), (select count(*) from ZHZL where ZL_ID=" + memberKey + ")")
+            .value(0);
+    if (left.value(0).toInt() + left.value(1).toInt() != 0) {
+        return {false, QStringLiteral("回滚后仍留下业主 %1 行、成员 %2 行（ZH_ID=%3、ZL_ID=%4），"
+                                      "请手工删除")
+                           .arg(left.value(0).toInt())
+                           .arg(left.value(1).toInt())
+                           .arg(ownerKey, memberKey)};
+    }
+    return {true, QStringLiteral("新业主 ZH_ID=%1、成员 ZL_ID=%2 已保存、修改，终止批处理已执行，"
+                                 "全部回滚")
+                      .arg(ownerKey, memberKey)};
 }
 
 }  // namespace

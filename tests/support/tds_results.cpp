@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "platform/sqlite_engine.h"
+#include "support/tds_catalog.h"
 
 namespace qivo::test::tds {
 namespace {
@@ -76,24 +77,46 @@ bool allIntegers(const std::vector<QVariantList>& rows, int index) {
     });
 }
 
-// Which SQL Server type a result column has: the schema's, else one the values fit.
-Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantList>& rows) {
-    Column column{QString::fromUtf8(sqlite3_column_name(statement, index))};
-    const QString declared = QString::fromUtf8(sqlite3_column_decltype(statement, index));
-    const QString name = QString::fromUtf8(sqlite3_column_origin_name(statement, index));
+// The type and size a table column has on SQL Server, by name and embedded declared type.
+Column schemaColumn(const QString& name, const QString& declared) {
     if (const auto text = textTypes().constFind(name); text != textTypes().constEnd()) {
-        const bool wide = text->type == kNVarChar;
-        column.type = text->type;
-        column.size = qMax(text->size, widest(rows, index, wide)) * (wide ? 2 : 1);
-    } else if (declared.contains("DATE")) {
-        column.type = kDateTimeN;
-    } else if (name == "短信") {
-        column.type = kBitN;
-    } else if (declared.startsWith("INTEGER") || (declared.isEmpty() && allIntegers(rows, index))) {
+        return {name, text->type, text->size * (text->type == kNVarChar ? 2 : 1)};
+    }
+    if (declared.contains("DATE")) {
+        return {name, kDateTimeN};
+    }
+    if (name == "短信") {
+        return {name, kBitN};
+    }
+    if (declared.startsWith("INTEGER")) {
+        return {name, kIntN};
+    }
+    return {name, kVarChar, 50};
+}
+
+// Which SQL Server type a result column has: the schema's, the one a cast names, else one the
+// values fit. Text columns grow to the widest value, so every value can go out.
+Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantList>& rows) {
+    static const QRegularExpression cast(
+        R"(^cast\(.*\bas\s+(n?varchar)\((\d+)\)\)$)",
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    const QString name = QString::fromUtf8(sqlite3_column_name(statement, index));
+    const QString declared = QString::fromUtf8(sqlite3_column_decltype(statement, index));
+    const QString origin = QString::fromUtf8(sqlite3_column_origin_name(statement, index));
+    Column column{name, kVarChar, 1};
+    if (!origin.isEmpty()) {
+        column = schemaColumn(origin, declared);
+        column.name = name;
+    } else if (const auto match = cast.match(name); match.hasMatch()) {
+        const bool wide = match.captured(1).size() == 8;
+        column = {QString(), wide ? kNVarChar : kVarChar,
+                  match.captured(2).toInt() * (wide ? 2 : 1)};
+    } else if (allIntegers(rows, index)) {
         column.type = kIntN;
-    } else {
-        column.type = kVarChar;
-        column.size = qMax(declared.isEmpty() ? 1 : 50, widest(rows, index, false));
+    }
+    if (column.type == kVarChar || column.type == kNVarChar) {
+        const bool wide = column.type == kNVarChar;
+        column.size = qMax(column.size, widest(rows, index, wide) * (wide ? 2 : 1));
     }
     return column;
 }
@@ -221,20 +244,28 @@ void writeSqliteError(Writer& out, const QString& message) {
     }
 }
 
-// The few T-SQL forms the program sends that the translation leaves to the server.
-QString serverForms(QString statement) {
-    statement.replace("scope_identity()", "last_insert_rowid()", Qt::CaseInsensitive);
-    statement.replace("sys.identity_columns where object_id = object_id(@P1)",
-                      "pragma_table_info(@P1) where pk = 1");
-    return statement;
-}
-
 bool isSessionSetting(const QString& statement) {
     return statement.startsWith("set ", Qt::CaseInsensitive) ||
            statement.startsWith("use ", Qt::CaseInsensitive);
 }
 
 }  // namespace
+
+ServerType serverType(const QString& column, const QString& declared) {
+    const Column type = schemaColumn(column, declared);
+    switch (type.type) {
+        case kIntN:
+            return {QStringLiteral("int"), {}};
+        case kBitN:
+            return {QStringLiteral("bit"), {}};
+        case kDateTimeN:
+            return {QStringLiteral("datetime"), {}};
+        case kNVarChar:
+            return {QStringLiteral("nvarchar"), type.size / 2};
+        default:
+            return {QStringLiteral("varchar"), type.size};
+    }
+}
 
 void writeDone(Writer& out, quint8 token, quint16 status, quint64 count) {
     out.u8(token);
@@ -265,7 +296,7 @@ bool runText(sqlite3* db, const QString& text, const Parameters& parameters, boo
             continue;
         }
         sqlite3_stmt* prepared = nullptr;
-        const QByteArray utf8 = serverForms(statement).toUtf8();
+        const QByteArray utf8 = embeddedForms(statement).toUtf8();
         if (sqlite3_prepare_v2(db, utf8.constData(), int(utf8.size()), &prepared, nullptr) !=
             SQLITE_OK) {
             writeSqliteError(out, QString::fromUtf8(sqlite3_errmsg(db)));

@@ -20,6 +20,14 @@ using Parameters = QList<QPair<QString, QVariant>>;  // "@P1" -> value
 bool runText(sqlite3* db, const QString& text, const Parameters& parameters, bool inProcedure,
              Writer& out);
 
+// The SQL Server type of a table column of the estate schema, by name and embedded declared type:
+// its name and declared length (characters of nvarchar, bytes of varchar; Null for the others).
+struct ServerType {
+    QString name;
+    QVariant length;
+};
+ServerType serverType(const QString& column, const QString& declared);
+
 void writeDone(Writer& out, quint8 token, quint16 status, quint64 count = 0);
 void writeError(Writer& out, quint32 number, const QString& message);
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/sqlite_functions.h"
+#include "support/tds_catalog.h"
 #include "support/tds_results.h"
 
 namespace qivo::test {
@@ -53,7 +54,7 @@ QString procedureName(quint16 id) {
 std::optional<QVariant> readParameter(Reader& in) {
     const quint8 type = in.u8();
     switch (type) {
-        case 0x26:    // intn: whole numbers go out as bigint
+        case 0x26:    // intn: the program's whole numbers go out as bigint, the driver's as int
         case 0x68:    // bitn
         case 0x6D: {  // floatn: doubles
             in.u8();
@@ -61,7 +62,10 @@ std::optional<QVariant> readParameter(Reader& in) {
             if (length == 0) {
                 return QVariant();
             }
-            const quint64 raw = length == 8 ? in.u64() : in.u8();
+            const qint64 raw = length == 8   ? qint64(in.u64())
+                               : length == 4 ? qint32(in.u32())
+                               : length == 2 ? qint16(in.u16())
+                                             : in.u8();
             return type == 0x6D ? QVariant(std::bit_cast<double>(raw)) : QVariant(qlonglong(raw));
         }
         case 0xE7: {  // nvarchar
@@ -96,11 +100,18 @@ std::optional<QVariant> readParameter(Reader& in) {
 
 class Session {
   public:
-    Session(QTcpSocket* socket, const QString& path, bool dayFirst, std::atomic<qint64>& busy,
-            QStringList& calls, QMutex& mutex)
-        : socket_(socket), dayFirst_(dayFirst), busy_(busy), calls_(calls), mutex_(mutex) {
+    Session(QTcpSocket* socket, const QString& path, bool dayFirst,
+            const std::atomic<bool>& rollbackKeeps, std::atomic<qint64>& busy, QStringList& calls,
+            QMutex& mutex)
+        : socket_(socket),
+          dayFirst_(dayFirst),
+          rollbackKeeps_(rollbackKeeps),
+          busy_(busy),
+          calls_(calls),
+          mutex_(mutex) {
         sqlite3_open_v2(path.toUtf8().constData(), &db_, SQLITE_OPEN_READWRITE, nullptr);
         platform::registerSqliteFunctions(db_);
+        addCatalog(db_);
         sqlite3_busy_timeout(db_, 5000);
         // Answers go out at once, as a server's do, not held back for the client's next packet.
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
@@ -288,7 +299,8 @@ class Session {
         if (kind == 5) {
             begin();
         } else if (kind == 7 || kind == 8) {
-            sqlite3_exec(db_, kind == 7 ? "commit" : "rollback", nullptr, nullptr, nullptr);
+            sqlite3_exec(db_, kind == 7 || rollbackKeeps_ ? "commit" : "rollback", nullptr, nullptr,
+                         nullptr);
             envChangeBytes(out, kind == 7 ? 9 : 10, {}, kTransaction);
             in.skip(in.u8() * 2);  // transaction name
             if (in.u8() & 0x01) {
@@ -318,6 +330,7 @@ class Session {
 
     QTcpSocket* socket_;
     bool dayFirst_;
+    const std::atomic<bool>& rollbackKeeps_;
     std::atomic<qint64>& busy_;
     QStringList& calls_;
     QMutex& mutex_;
@@ -335,6 +348,7 @@ struct TdsServer::State {
     std::vector<std::unique_ptr<Session>> sessions;
     std::atomic<qint64> busy{0};
     std::atomic<bool> dayFirst{false};
+    std::atomic<bool> rollbackKeeps{false};
     QStringList calls;
     QMutex mutex;
 };
@@ -344,8 +358,8 @@ TdsServer::TdsServer(const QString& databasePath) : state_(std::make_unique<Stat
     s.listener->listen(QHostAddress::LocalHost);
     QObject::connect(s.listener, &QTcpServer::newConnection, s.listener, [&s, databasePath] {
         while (QTcpSocket* socket = s.listener->nextPendingConnection()) {
-            s.sessions.push_back(std::make_unique<Session>(socket, databasePath, s.dayFirst, s.busy,
-                                                           s.calls, s.mutex));
+            s.sessions.push_back(std::make_unique<Session>(
+                socket, databasePath, s.dayFirst, s.rollbackKeeps, s.busy, s.calls, s.mutex));
         }
     });
     s.listener->moveToThread(&s.thread);
@@ -365,6 +379,10 @@ QString TdsServer::dataSource() const {
 
 void TdsServer::setDayFirstLogins(bool dayFirst) {
     state_->dayFirst = dayFirst;
+}
+
+void TdsServer::setRollbackKeepsWrites(bool keeps) {
+    state_->rollbackKeeps = keeps;
 }
 
 qint64 TdsServer::busyNanoseconds() const {

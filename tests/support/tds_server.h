@@ -24,6 +24,9 @@ class TdsServer final {
     // Logins made from now on read dates given as text in day-month order, as a British or
     // German login language does.
     void setDayFirstLogins(bool dayFirst);
+    // Rolling back a transaction keeps what it wrote, as on a connection whose transaction never
+    // began.
+    void setRollbackKeepsWrites(bool keeps);
     // Time spent answering requests: running statements and encoding their results.
     qint64 busyNanoseconds() const;
     // The remote procedures called so far, by name.
