@@ -254,22 +254,22 @@ void Recordset::Update() {
             values << (dates_[i] ? engine.dateValue(values_[i]) : values_[i]);
         }
     }
+    const QString keyColumn = engine.identityColumn(db, table_);
     if (adding_) {
         const QVariant key = engine.insertRow(db, table_, columns, values);
         adding_ = false;
-        readBack(key);
+        readBack(keyColumn, key);
         return;
     }
-    const QString keyColumn = engine.identityColumn(db, table_);
     const QVariant key = values_[fieldIndex(keyColumn)];
     if (!columns.isEmpty()) {
         engine.updateRow(db, table_, columns, values, keyColumn, key);
     }
-    readBack(key);
+    readBack(keyColumn, key);
 }
 
 // After a write the record shows what the database stored (converted dates, the new key).
-void Recordset::readBack(const QVariant& key) {
+void Recordset::readBack(const QString& keyColumn, const QVariant& key) {
     const Engine& engine = connection_->engine();
     QSqlDatabase db = connection_->database();
     QStringList columns;
@@ -277,10 +277,10 @@ void Recordset::readBack(const QVariant& key) {
         columns << engine.quoteName(name);
     }
     // Keys are identities, whole numbers, so the text needs no parameter.
-    cursor_ = engine.select(db, QStringLiteral("select %1 from %2 where %3 = %4")
-                                    .arg(columns.join(u','), engine.quoteName(table_),
-                                         engine.quoteName(engine.identityColumn(db, table_)),
-                                         QString::number(key.toLongLong())));
+    cursor_ =
+        engine.select(db, QStringLiteral("select %1 from %2 where %3 = %4")
+                              .arg(columns.join(u','), engine.quoteName(table_),
+                                   engine.quoteName(keyColumn), QString::number(key.toLongLong())));
     dirty_.assign(names_.size(), false);
     fetchNext();
 }

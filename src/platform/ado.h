@@ -87,7 +87,7 @@ class Recordset final {
     int lookUpField(const QString& name) const;
     void fetchNext();
     void requireRecord() const;
-    void readBack(const QVariant& key);
+    void readBack(const QString& keyColumn, const QVariant& key);
 
     AdoConnection* connection_ = nullptr;
     std::unique_ptr<RowCursor> cursor_;
