@@ -10,19 +10,19 @@
 
 #include "bench_odbc.h"
 #include "bench_util.h"
-#include "platform/ado.h"
-#include "platform/engine.h"
-#include "platform/error_path.h"
-#include "platform/flex_grid.h"
-#include "platform/grid_find_bar.h"
-#include "platform/msgbox.h"
-#include "platform/sqlite_functions.h"
+#include "database/ado.h"
+#include "database/engine.h"
+#include "database/sqlite_functions.h"
 #include "register/register_form.h"
 #include "register/register_sql.h"
 #include "review/review_form.h"
 #include "review/review_sql.h"
 #include "session/connection.h"
 #include "session/session_values.h"
+#include "widgets/error_path.h"
+#include "widgets/flex_grid.h"
+#include "widgets/grid_find_bar.h"
+#include "widgets/msgbox.h"
 
 using namespace qivo;
 
@@ -51,7 +51,7 @@ int rawFetch(const QString& path, const QString& sql) {
     const QString translated = Connection::cn().engine().statements(sql).front();
     sqlite3* handle = nullptr;
     sqlite3_open_v2(path.toUtf8().constData(), &handle, SQLITE_OPEN_READONLY, nullptr);
-    platform::registerSqliteFunctions(handle);
+    database::registerSqliteFunctions(handle);
     sqlite3_stmt* statement = nullptr;
     const QByteArray text = translated.toUtf8();
     sqlite3_prepare_v2(handle, text.constData(), static_cast<int>(text.size()), &statement,
@@ -115,7 +115,7 @@ void benchApproval(frmQivo账号审核& review) {
 }
 
 void benchGridFill() {
-    platform::FlexGrid grid;
+    widgets::FlexGrid grid;
     grid.setFormatString(QStringLiteral("<序 |<a |<b |<c |<d |<e |<f |<g |^h |"));
     // The texts are made once: the line measures the grid, not the formatting of its texts.
     QStringList texts;
@@ -146,7 +146,7 @@ void benchRecordset(const QString& path, int n) {
     const auto [floor, ours] = bench::medianPairMs(
         [&] { rawFetch(path, sql); },
         [&] {
-            platform::Recordset record;
+            database::Recordset record;
             record.Open(sql, Connection::cn());
             for (; !record.Eof(); record.MoveNext()) {
                 for (const QString& name : {QStringLiteral("HLWID"), QStringLiteral("dz")}) {
@@ -173,8 +173,8 @@ void benchStartUp() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    platform::Application app(argc, argv);
-    platform::setMsgBoxResponder([](const platform::MsgBoxRequest&) { return platform::vbYes; });
+    widgets::Application app(argc, argv);
+    widgets::setMsgBoxResponder([](const widgets::MsgBoxRequest&) { return widgets::vbYes; });
     CurrentUserName = QStringLiteral("王丽");
     QTemporaryDir dir;
     std::printf("| %-44s | %7s | %10s | %-30s |\n", "what", "N", "median ms", "note");

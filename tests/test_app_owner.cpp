@@ -6,8 +6,8 @@
 
 #include "owner/owner_form.h"
 #include "owner/owner_opener.h"
-#include "platform/end.h"
-#include "platform/settings.h"
+#include "runtime/end.h"
+#include "runtime/settings.h"
 #include "support/test_support.h"
 
 using namespace qivo;
@@ -68,7 +68,7 @@ class TestAppOwner final : public QObject {
 
     void noDatabaseEnds() {
         QTemporaryDir dir;
-        platform::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:" + dir.filePath("gone.db"));
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:" + dir.filePath("gone.db"));
         test::MsgBoxRecorder boxes;
         test::EndRecorder end;
         QStringList arguments{"qivo-review", "--owner", "4"};

@@ -6,7 +6,7 @@
 #include <QTextStream>
 
 #include "check/workstation_check.h"
-#include "platform/settings.h"
+#include "runtime/settings.h"
 #include "support/odbc_fixture.h"
 #include "support/test_support.h"
 
@@ -69,7 +69,7 @@ class CheckTest final : public QObject {
             db.exec(damage);
         }
         if (!server.isEmpty()) {
-            platform::SaveSetting("Merivane", "DBConfig", "Svr", server);
+            runtime::SaveSetting("Merivane", "DBConfig", "Svr", server);
         }
         QString report;
         QTextStream out(&report);

@@ -1,6 +1,6 @@
 // The demo database: the same for the same size, and every demo sign-in works as the README says.
+#include "database/ado.h"
 #include "db/demo_data.h"
-#include "platform/ado.h"
 #include "session/connection.h"
 #include "session/login_sql.h"
 #include "support/test_support.h"
@@ -10,13 +10,13 @@ using namespace qivo;
 namespace {
 
 QStringList rows(const QString& sql) {
-    platform::Recordset rs;
+    database::Recordset rs;
     rs.Open(sql, Connection::cn());
     QStringList result;
     for (; !rs.Eof(); rs.MoveNext()) {
         QStringList fields;
         for (int i = 0; i < rs.fieldCount(); ++i) {
-            fields << platform::fieldText(rs.field(i));
+            fields << database::fieldText(rs.field(i));
         }
         result << fields.join(u'|');
     }

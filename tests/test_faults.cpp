@@ -11,11 +11,10 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 #include "owner/owner_form.h"
-#include "platform/settings.h"
-#include "platform/text_box.h"
 #include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
+#include "runtime/settings.h"
 #include "session/connection.h"
 #include "session/login_form.h"
 #include "session/main_screen.h"
@@ -23,6 +22,7 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #include "support/account_fixture.h"
 #include "support/grid_actions.h"
 #include "support/test_support.h"
+#include "widgets/text_box.h"
 
 using namespace qivo;
 
@@ -144,9 +144,9 @@ class TestFaults final : public QObject {
         const QString name = odd(QStringLiteral("王"));
         const QString huge = QString(10000, QChar(u'长'));
         db->exec("Delete 业户互联网");
-        platform::Recordset add;
-        add.Open("Select * From 业户互联网 Where HLWID=0", Connection::cn(), platform::adOpenKeyset,
-                 platform::adLockOptimistic);
+        database::Recordset add;
+        add.Open("Select * From 业户互联网 Where HLWID=0", Connection::cn(), database::adOpenKeyset,
+                 database::adLockOptimistic);
         for (const auto& [kind, reviewer] :
              {std::pair<QString, QVariant>{"业主", QVariant()}, {"业主", QVariant("王丽")}}) {
             add.AddNew();
@@ -219,7 +219,7 @@ class TestFaults final : public QObject {
         owner.Show();
         for (const QString key : {"abc", " ", "1;Delete 业主表"}) {
             owner.Frame1[0]->Tag = key;
-            platform::guarded([&] { owner.Form_Activate(); });
+            widgets::guarded([&] { owner.Form_Activate(); });
         }
         QCOMPARE(messages->messages.size(), 2);
         QCOMPARE(db->count("select count(*) from 业主表"), 5);
@@ -231,11 +231,11 @@ class TestFaults final : public QObject {
     // Empty and huge data sources: the connection message, no hang, no crash.
     void emptyAndHugeSettings() {
         for (const QString& source : {QString(), QString(100000, u'x')}) {
-            platform::SaveSetting("Merivane", "DBConfig", "Svr", source);
+            runtime::SaveSetting("Merivane", "DBConfig", "Svr", source);
             QVERIFY(!ConnectDatabase());
             QCOMPARE(messages->messages.last().prompt, QString("数据库连接失败!"));
         }
-        platform::SaveSetting("Merivane", "DBConfig", "Svr", db->dataSource());
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", db->dataSource());
         QVERIFY(ConnectDatabase());
     }
 

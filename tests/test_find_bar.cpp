@@ -1,12 +1,12 @@
 #include <QLineEdit>
 #include <memory>
 
-#include "platform/grid_find_bar.h"
 #include "register/register_form.h"
 #include "review/review_form.h"
 #include "session/session_values.h"
 #include "support/account_fixture.h"
 #include "support/test_support.h"
+#include "widgets/grid_find_bar.h"
 
 using namespace qivo;
 

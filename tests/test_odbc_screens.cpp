@@ -75,7 +75,7 @@ class OdbcScreensTest final : public QObject {
         CurrentUserName = QStringLiteral("王丽");
         frmQivo账号审核 form;
         form.Show();
-        platform::FlexGrid& grid = *form.MSFlexGrid1;
+        widgets::FlexGrid& grid = *form.MSFlexGrid1;
         QCOMPARE(test::rowKeys(grid), QList<qint32>({102, 101}));
         QCOMPARE(grid.TextMatrix(2, 4), QString("欧阳建国"));
         QCOMPARE(grid.TextMatrix(2, 2), QString("10栋101室"));

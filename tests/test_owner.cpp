@@ -26,7 +26,7 @@ const QString kOwners = QStringLiteral(
     "'', '离异') "
     "insert into ZHZL (ZL_ID, ZH_ID, ZL_xm, ZL_xb, ZL_hy) values (13, 1, '王五', '女', '未婚')");
 
-QStringList gridLine(const platform::FlexGrid& grid, int row) {
+QStringList gridLine(const widgets::FlexGrid& grid, int row) {
     QStringList cells;
     for (int col = 0; col < grid.Cols(); ++col) {
         cells << grid.TextMatrix(row, col);
@@ -82,7 +82,7 @@ class TestOwner final : public QObject {
         open(QStringLiteral("1"));
         form->Frame1[1]->setEnabled(false);
         // An unopened shared connection: any query would fail.
-        auto stored = std::exchange(Connection::Cn, std::make_unique<platform::AdoConnection>());
+        auto stored = std::exchange(Connection::Cn, std::make_unique<database::AdoConnection>());
         open({});
         Connection::Cn = std::move(stored);
         for (auto* box : form->Text2) {
@@ -114,7 +114,7 @@ class TestOwner final : public QObject {
         QCOMPARE(form->Grid2->TextMatrix(3, 0), QString("3"));
         QCOMPARE(form->Grid2->TextMatrix(3, 16), QString("13"));
         QCOMPARE(form->Grid2->ColWidth(16), 0);
-        QCOMPARE(form->Grid2->ColAlignmentFixed(5), platform::flexAlignCenterCenter);
+        QCOMPARE(form->Grid2->ColAlignmentFixed(5), widgets::flexAlignCenterCenter);
         QVERIFY(!form->Command6->isEnabled());
         QVERIFY(!form->Command7->isEnabled());
         QVERIFY(form->Frame1[1]->isEnabled());
@@ -177,8 +177,8 @@ class TestOwner final : public QObject {
     void deleteReachesErrorPath_data() {
         QTest::addColumn<int>("answer");
         QTest::addColumn<int>("messages");
-        QTest::newRow("yes") << int(platform::vbYes) << 2;
-        QTest::newRow("no") << int(platform::vbNo) << 1;
+        QTest::newRow("yes") << int(widgets::vbYes) << 2;
+        QTest::newRow("no") << int(widgets::vbNo) << 1;
     }
     void deleteReachesErrorPath() {
         QFETCH(int, answer);
@@ -190,7 +190,7 @@ class TestOwner final : public QObject {
         QTest::mouseClick(form->Command7, Qt::LeftButton);
         QCOMPARE(boxes.messages.size(), messages);
         QCOMPARE(boxes.messages[0].prompt, QString("确认要删除李四?"));
-        QCOMPARE(boxes.messages[0].style, platform::vbYesNo);
+        QCOMPARE(boxes.messages[0].style, widgets::vbYesNo);
         QCOMPARE(db->count("select count(*) from ZHZL"), 3);
         QCOMPARE(form->Grid2->Rows(), 4);
         QCOMPARE(form->Grid2->TextMatrix(2, 16), QString("12"));
@@ -209,7 +209,7 @@ class TestOwner final : public QObject {
         test::MsgBoxRecorder boxes;
         form->Command3_Click();
         QCOMPARE(boxes.prompts(), QStringList("请输入业户姓名"));
-        QCOMPARE(boxes.messages[0].style, platform::vbOKOnly);
+        QCOMPARE(boxes.messages[0].style, widgets::vbOKOnly);
         QCOMPARE(db->count("select count(*) from 业主表"), 2);
         QCOMPARE(form->cursor().shape(), Qt::ArrowCursor);
     }

@@ -1,13 +1,13 @@
 #include <QApplication>
 #include <memory>
 
-#include "platform/twips.h"
 #include "register/register_form.h"
 #include "register/register_sql.h"
 #include "session/session_values.h"
 #include "support/account_fixture.h"
 #include "support/grid_actions.h"
 #include "support/test_support.h"
+#include "widgets/twips.h"
 
 using namespace qivo;
 
@@ -73,7 +73,7 @@ class TestRegister final : public QObject {
     }
 
     void listShowsApprovedOwnersWithHouseholdState() {
-        platform::FlexGrid& grid = *form->MSFlexGrid1;
+        widgets::FlexGrid& grid = *form->MSFlexGrid1;
         QCOMPARE(test::rowKeys(grid), QList<qint32>({204, 203, 202, 201}));
         QCOMPARE(grid.Cols(), 10);
         QCOMPARE(grid.ColWidth(9), 0);
@@ -108,7 +108,7 @@ class TestRegister final : public QObject {
         QCOMPARE(form->Text1[0]->text(), QString("qv201"));
         QCOMPARE(form->Text2[7]->text(), QString("2020-07-08"));
         QCOMPARE(form->Text2[10]->text(), QString("老住户"));
-        platform::FlexGrid& members = *form->MSFlexGrid2;
+        widgets::FlexGrid& members = *form->MSFlexGrid2;
         QCOMPARE(test::rowKeys(members),
                  QList<qint32>({211, 213, 212}));  // by name, pending included
         QCOMPARE(members.TextMatrix(2, 0), QString("2"));
@@ -143,16 +143,16 @@ class TestRegister final : public QObject {
         QTest::keyClick(form->MSFlexGrid1, Qt::Key_Up);
         QCOMPARE(form->MSFlexGrid1->Row(), 1);
         QVERIFY(form->Picture1->isVisible());
-        messages->answer(platform::vbNo);
+        messages->answer(widgets::vbNo);
         form->Command1->click();
-        messages->answer(platform::vbYes);
-        messages->answer(platform::vbNo);
+        messages->answer(widgets::vbYes);
+        messages->answer(widgets::vbNo);
         form->Command1->click();
         QCOMPARE(accounts(), 9);
         QCOMPARE(messages->prompts(),
                  QStringList({"确认要终止这个Qivo账号", "确认要终止这个Qivo账号",
                               "该业主名下的Qivo账号将同时终止"}));
-        QCOMPARE(messages->messages[2].style, platform::vbYesNo);
+        QCOMPARE(messages->messages[2].style, widgets::vbYesNo);
 
         form->Command1->click();
         QCOMPARE(accounts(), 5);
@@ -185,12 +185,12 @@ class TestRegister final : public QObject {
         form->resize(1100, 760);
         QTest::qWait(1);
         const int width = form->ScaleWidth();
-        QCOMPARE(form->MSFlexGrid1->width(), platform::twipsToPixels(width - 180));
-        QCOMPARE(form->Command5->x(), platform::twipsToPixels(width - 1365 - 300));
-        QCOMPARE(form->Command4->x(), platform::twipsToPixels(width - 1365 - 1365 - 900));
+        QCOMPARE(form->MSFlexGrid1->width(), widgets::twipsToPixels(width - 180));
+        QCOMPARE(form->Command5->x(), widgets::twipsToPixels(width - 1365 - 300));
+        QCOMPARE(form->Command4->x(), widgets::twipsToPixels(width - 1365 - 1365 - 900));
         // Tops and the panel's buttons keep their design places.
-        QCOMPARE(form->Command4->geometry().top(), platform::twipsToPixels(60));
-        QCOMPARE(form->Command5->geometry().top(), platform::twipsToPixels(45));
+        QCOMPARE(form->Command4->geometry().top(), widgets::twipsToPixels(60));
+        QCOMPARE(form->Command5->geometry().top(), widgets::twipsToPixels(45));
         QCOMPARE(form->Command1->geometry(), QRect(210, 537, 98, 30));
         // At its smallest the panel with 终止 and 关闭 is whole above the status bar.
         form->Picture1->setVisible(true);

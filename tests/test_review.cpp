@@ -2,7 +2,6 @@
 #include <memory>
 
 #include "accounts/register_opener.h"
-#include "platform/twips.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
 #include "review/review_sql.h"
@@ -10,6 +9,7 @@
 #include "support/account_fixture.h"
 #include "support/grid_actions.h"
 #include "support/test_support.h"
+#include "widgets/twips.h"
 
 using namespace qivo;
 
@@ -76,11 +76,11 @@ class TestReview final : public QObject {
     }
 
     void listShowsPendingOwnersInAddressOrder() {
-        platform::FlexGrid& grid = *form->MSFlexGrid1;
+        widgets::FlexGrid& grid = *form->MSFlexGrid1;
         QCOMPARE(test::rowKeys(grid), QList<qint32>({104, 103, 102, 101}));
         QCOMPARE(grid.Cols(), 9);
         QCOMPARE(grid.ColWidth(8), 0);
-        QCOMPARE(grid.ColAlignmentFixed(3), platform::flexAlignCenterCenter);
+        QCOMPARE(grid.ColAlignmentFixed(3), widgets::flexAlignCenterCenter);
         const QStringList first{"1",      "白云小区",    "1号楼3单元5室", "", "赵六",
                                 "330104", "13600000004", "审核",          "4"};
         for (int col = 0; col < grid.Cols(); ++col) {
@@ -138,7 +138,7 @@ class TestReview final : public QObject {
         db->exec("Delete 业主表 Where ZH_ID=3");
         test::doubleClickCell(*form->MSFlexGrid1, 2, 1);
         QCOMPARE(messages->prompts(), QStringList({"数据错误"}));
-        QCOMPARE(messages->messages[0].style, platform::vbOKOnly);
+        QCOMPARE(messages->messages[0].style, widgets::vbOKOnly);
         QCOMPARE(form->Text1[2]->text(), QString("张伟"));
         for (int i = 0; i < 11; ++i) {
             QCOMPARE(form->Text2[i]->text(), QString());
@@ -191,14 +191,14 @@ class TestReview final : public QObject {
         test::clickCell(*form->MSFlexGrid1, 1, 1);  // the grid moves to 104, the panel stays
         QCOMPARE(form->MSFlexGrid1->Row(), 1);
         QVERIFY(form->Picture1->isVisible());
-        messages->answer(platform::vbNo);
+        messages->answer(widgets::vbNo);
         form->Command3->click();
         QCOMPARE(pending(), 7);
         QVERIFY(form->Picture1->isVisible());
 
         form->Command3->click();
         QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核通过？"));
-        QCOMPARE(messages->messages.last().style, platform::vbYesNo);
+        QCOMPARE(messages->messages.last().style, widgets::vbYesNo);
         QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 103").toString(),
                  QString("王丽"));
         QCOMPARE(db->scalar("select 审核日期 from 业户互联网 where HLWID = 103").toString(),
@@ -221,7 +221,7 @@ class TestReview final : public QObject {
         form->MSFlexGrid1->setFocus();
         QTest::keyClick(form->MSFlexGrid1, Qt::Key_Down);
         QCOMPARE(form->MSFlexGrid1->Row(), 4);
-        messages->answer(platform::vbNo);
+        messages->answer(widgets::vbNo);
         form->Command1_Click();
         QCOMPARE(db->count("select count(*) from 业户互联网"), 8);
 
@@ -237,11 +237,11 @@ class TestReview final : public QObject {
         form->resize(1200, 800);
         QTest::qWait(1);
         const int width = form->ScaleWidth();
-        const auto twips = [](QWidget* w) { return platform::pixelsToTwips(w->width()); };
-        QCOMPARE(form->MSFlexGrid1->width(), platform::twipsToPixels(width - 200));
-        QCOMPARE(form->Command5->x(), platform::twipsToPixels(width - twips(form->Command5) - 400));
-        QCOMPARE(form->Command4->x(), platform::twipsToPixels(width - twips(form->Command4) -
-                                                              twips(form->Command5) - 800));
+        const auto twips = [](QWidget* w) { return widgets::pixelsToTwips(w->width()); };
+        QCOMPARE(form->MSFlexGrid1->width(), widgets::twipsToPixels(width - 200));
+        QCOMPARE(form->Command5->x(), widgets::twipsToPixels(width - twips(form->Command5) - 400));
+        QCOMPARE(form->Command4->x(), widgets::twipsToPixels(width - twips(form->Command4) -
+                                                             twips(form->Command5) - 800));
         const QRect grid = form->MSFlexGrid1->geometry();
         const QRect panel = form->Picture1->geometry();
         QVERIFY(qAbs(panel.center().x() - grid.center().x()) <= 1);

@@ -6,9 +6,8 @@
 #include <QPushButton>
 #include <memory>
 
-#include "platform/runtime_error.h"
-#include "platform/settings.h"
-#include "platform/text_box.h"
+#include "runtime/runtime_error.h"
+#include "runtime/settings.h"
 #include "session/command_line.h"
 #include "session/connection.h"
 #include "session/login_form.h"
@@ -16,6 +15,7 @@
 #include "session/session_values.h"
 #include "support/account_fixture.h"
 #include "support/test_support.h"
+#include "widgets/text_box.h"
 
 using namespace qivo;
 
@@ -161,7 +161,7 @@ class LoginTest final : public QObject {
     }
 
     void failedConnectionEndsTheProgram() {
-        platform::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:/nonexistent.db");
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:/nonexistent.db");
         SignIn signIn;
         signIn.press("1001", "pw");
         QCOMPARE(signIn.boxes.messages.size(), 2);
@@ -180,7 +180,7 @@ class LoginTest final : public QObject {
             QVERIFY(Connection::cn().isOpen());
         }
         // A failing connection leaves the sign-in form open for an interactive sign-in.
-        platform::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:/nonexistent.db");
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", "sqlite:/nonexistent.db");
         SignIn signIn;
         QCOMPARE(signIn.mainScreens, 0);
         QCOMPARE(signIn.boxes.messages.size(), 2);
@@ -191,8 +191,8 @@ class LoginTest final : public QObject {
         try {
             commandLineFields("1,2,3,4,5,6,7,8,9");
             QFAIL("nine fields accepted");
-        } catch (const platform::RuntimeError& error) {
-            QCOMPARE(error.number(), platform::err::SubscriptOutOfRange);
+        } catch (const runtime::RuntimeError& error) {
+            QCOMPARE(error.number(), runtime::err::SubscriptOutOfRange);
         }
     }
 };

@@ -7,11 +7,11 @@
 #include <QFileInfo>
 #include <cstdio>
 
+#include "database/ado.h"
 #include "db/demo_data.h"
 #include "db/schema.h"
-#include "platform/ado.h"
-#include "platform/runtime_error.h"
-#include "platform/settings.h"
+#include "runtime/runtime_error.h"
+#include "runtime/settings.h"
 
 using namespace qivo;
 
@@ -41,26 +41,26 @@ int main(int argc, char** argv) {
         QFile::remove(path);
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly)) {
-            throw platform::RuntimeError(platform::err::ProviderError,
-                                         "cannot create " + path + ": " + file.errorString());
+            throw runtime::RuntimeError(runtime::err::ProviderError,
+                                        "cannot create " + path + ": " + file.errorString());
         }
         file.close();
-        platform::AdoConnection connection;
+        database::AdoConnection connection;
         connection.ConnectionString = "Data Source='sqlite:" + path + "'";
         connection.Open();
         db::createEmbeddedSchema(connection);
         db::writeDemoData(connection, rows);
-    } catch (const platform::RuntimeError& error) {
+    } catch (const runtime::RuntimeError& error) {
         std::fprintf(stderr, "qivo-demo-db: %s\n", qPrintable(error.description()));
         return 1;
     }
     if (!parser.isSet(noSettingsOption)) {
         const QString app_ = QStringLiteral("Merivane");
         const QString section = QStringLiteral("DBConfig");
-        platform::SaveSetting(app_, section, "Svr", "sqlite:" + path);
-        platform::SaveSetting(app_, section, "UID", {});
-        platform::SaveSetting(app_, section, "PWD", {});
-        platform::SaveSetting(app_, section, "DBname", "qivo_demo");
+        runtime::SaveSetting(app_, section, "Svr", "sqlite:" + path);
+        runtime::SaveSetting(app_, section, "UID", {});
+        runtime::SaveSetting(app_, section, "PWD", {});
+        runtime::SaveSetting(app_, section, "DBname", "qivo_demo");
     }
     std::printf("qivo-demo-db: %d registrations written to %s in %.1f s%s\n", rows,
                 qPrintable(path), static_cast<double>(timer.elapsed()) / 1000.0,

@@ -8,21 +8,21 @@
 #include <QTest>
 #include <cstdio>
 
+#include "database/ado.h"
 #include "db/demo_data.h"
 #include "db/schema.h"
 #include "owner/owner_form.h"
-#include "platform/ado.h"
-#include "platform/error_path.h"
-#include "platform/msgbox.h"
-#include "platform/screen_font.h"
-#include "platform/settings.h"
 #include "register/register_form.h"
 #include "review/mismatch_marks.h"
 #include "review/review_form.h"
+#include "runtime/settings.h"
 #include "session/connection.h"
 #include "session/login_form.h"
 #include "session/main_screen.h"
 #include "session/session_values.h"
+#include "widgets/error_path.h"
+#include "widgets/msgbox.h"
+#include "widgets/screen_font.h"
 
 using namespace qivo;
 
@@ -42,14 +42,14 @@ void writeDemoDatabase(const QString& path) {
     QFile file(path);
     file.open(QIODevice::WriteOnly);
     file.close();
-    platform::AdoConnection connection;
+    database::AdoConnection connection;
     connection.ConnectionString = "Data Source='sqlite:" + path + "'";
     connection.Open();
     db::createEmbeddedSchema(connection);
     db::writeDemoData(connection, 80);
     const QString section = QStringLiteral("DBConfig");
-    platform::SaveSetting(QStringLiteral("Merivane"), section, "Svr", "sqlite:" + path);
-    platform::SaveSetting(QStringLiteral("Merivane"), section, "DBname", "qivo_demo");
+    runtime::SaveSetting(QStringLiteral("Merivane"), section, "Svr", "sqlite:" + path);
+    runtime::SaveSetting(QStringLiteral("Merivane"), section, "DBname", "qivo_demo");
 }
 
 // Opens list rows until `wanted` holds for the open panel.
@@ -82,8 +82,8 @@ int main(int argc, char** argv) {
     QTemporaryDir config;
     qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
     useScreen1280x800(config);
-    platform::Application app(argc, argv);
-    app.setFont(platform::screenFont(app.font()));
+    widgets::Application app(argc, argv);
+    app.setFont(widgets::screenFont(app.font()));
     if (app.arguments().size() != 2) {
         std::fprintf(stderr, "usage: qivo-screenshots DIR\n");
         return 2;
@@ -92,9 +92,9 @@ int main(int argc, char** argv) {
     QDir().mkpath(dir);
     writeDemoDatabase(config.filePath(QStringLiteral("demo.db")));
     // Nobody is there to answer a message box: print it and say yes.
-    platform::setMsgBoxResponder([](const platform::MsgBoxRequest& request) {
+    widgets::setMsgBoxResponder([](const widgets::MsgBoxRequest& request) {
         std::fprintf(stderr, "qivo-screenshots: message: %s\n", qPrintable(request.prompt));
-        return platform::vbYes;
+        return widgets::vbYes;
     });
 
     frmLogin login;
@@ -123,10 +123,10 @@ int main(int argc, char** argv) {
     save(accounts, dir, QStringLiteral("register_panel.png"));
 
     // The first household with members, as another program of the estate system opens it.
-    platform::Recordset household;
+    database::Recordset household;
     household.Open(QStringLiteral("Select ZH_ID From ZHZL Order By ZH_ID"), Connection::cn());
     frm业户信息 owner;
-    owner.Frame1[0]->Tag = platform::fieldText(household.Fields(QStringLiteral("ZH_ID")));
+    owner.Frame1[0]->Tag = database::fieldText(household.Fields(QStringLiteral("ZH_ID")));
     owner.Show();
     if (!QTest::qWaitForWindowActive(&owner)) {
         std::fprintf(stderr, "qivo-screenshots: the owner screen did not come up\n");

@@ -5,12 +5,12 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "platform/ado.h"
-#include "platform/error_path.h"
-#include "platform/grid_field.h"
-#include "platform/twips.h"
+#include "accounts/grid_field.h"
+#include "database/ado.h"
 #include "session/connection.h"
 #include "session/session_values.h"
+#include "widgets/error_path.h"
+#include "widgets/twips.h"
 
 namespace qivo {
 
@@ -65,19 +65,19 @@ QString accountListColumns() {
 }
 
 AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
-    : platform::Form(parent), design_(design) {
+    : widgets::Form(parent), design_(design) {
     Label1[0] = addHeading(design.title, {120, 0, 6000, kTitleHeight}, this);
-    MSFlexGrid1 = new platform::FlexGrid(this);
+    MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
-    platform::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
-    FindBar1 = new platform::GridFindBar(MSFlexGrid1, this);
-    StatusBar1 = new platform::StatusBar(this, 3);
+    widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
+    FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
+    StatusBar1 = new widgets::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
     // The list has the keyboard first: arrow keys move along it, Enter opens a row.
     MSFlexGrid1->setFocus();
-    connect(MSFlexGrid1, &platform::FlexGrid::KeyPress, this,
-            [this](int keyAscii) { platform::guarded([&] { MSFlexGrid1_KeyPress(keyAscii); }); });
+    connect(MSFlexGrid1, &widgets::FlexGrid::KeyPress, this,
+            [this](int keyAscii) { widgets::guarded([&] { MSFlexGrid1_KeyPress(keyAscii); }); });
 }
 
 void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
@@ -91,18 +91,18 @@ void AccountScreen::keyPressEvent(QKeyEvent* event) {
         closePanel();
         return;
     }
-    platform::Form::keyPressEvent(event);
+    widgets::Form::keyPressEvent(event);
 }
 
-QLabel* AccountScreen::addLabel(const QString& text, const platform::TwipsRect& place,
+QLabel* AccountScreen::addLabel(const QString& text, const widgets::TwipsRect& place,
                                 QWidget* parent) {
     auto* label = new QLabel(text, parent);
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    platform::setTwipsGeometry(label, place);
+    widgets::setTwipsGeometry(label, place);
     return label;
 }
 
-QLabel* AccountScreen::addHeading(const QString& text, const platform::TwipsRect& place,
+QLabel* AccountScreen::addHeading(const QString& text, const widgets::TwipsRect& place,
                                   QWidget* parent) {
     QLabel* heading = addLabel(text, place, parent);
     heading->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -116,21 +116,21 @@ void AccountScreen::buildPanel() {
     Picture1->setStyleSheet(QStringLiteral(
         "QFrame#Picture1 { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, y1:0, "
         "x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
-    platform::setTwipsGeometry(Picture1, design_.panel);
+    widgets::setTwipsGeometry(Picture1, design_.panel);
     const int closeSize = 360;
-    Image1 = new platform::ImageButton(
+    Image1 = new widgets::ImageButton(
         style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), Picture1);
     Image1->setToolTip(QStringLiteral("关闭"));
-    platform::setTwipsGeometry(Image1,
-                               {design_.panel.width - closeSize - 120, 120, closeSize, closeSize});
+    widgets::setTwipsGeometry(Image1,
+                              {design_.panel.width - closeSize - 120, 120, closeSize, closeSize});
     buildAccountFields(design_.accountFields);
     buildOwnerFields(design_.ownerFields);
     Picture1->hide();
 
-    using platform::onEvent;
-    onEvent(Image1, &platform::ImageButton::MouseDown, this, [this] { Image1_MouseDown(); });
-    onEvent(Image1, &platform::ImageButton::MouseUp, this, [this] { Image1_MouseUp(); });
-    onEvent(Image1, &platform::ImageButton::Click, this, [this] { Image1_Click(); });
+    using widgets::onEvent;
+    onEvent(Image1, &widgets::ImageButton::MouseDown, this, [this] { Image1_MouseDown(); });
+    onEvent(Image1, &widgets::ImageButton::MouseUp, this, [this] { Image1_MouseUp(); });
+    onEvent(Image1, &widgets::ImageButton::Click, this, [this] { Image1_Click(); });
 }
 
 void AccountScreen::buildAccountFields(QPoint origin) {
@@ -148,13 +148,13 @@ void AccountScreen::buildOwnerFields(QPoint origin) {
 }
 
 // A label and its read-only box on line `line` of a column of fields starting at `origin`.
-platform::TextBox* AccountScreen::addField(const QString& label, QPoint origin, int line,
-                                           QSize widths) {
+widgets::TextBox* AccountScreen::addField(const QString& label, QPoint origin, int line,
+                                          QSize widths) {
     const int top = origin.y() + line * kRowStep;
     addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, Picture1);
-    auto* box = new platform::TextBox(Picture1);
+    auto* box = new widgets::TextBox(Picture1);
     box->setReadOnly(true);
-    platform::setTwipsGeometry(
+    widgets::setTwipsGeometry(
         box, {origin.x() + widths.width() + kLabelGap, top, widths.height(), kBoxHeight});
     return box;
 }
@@ -170,24 +170,24 @@ void AccountScreen::Form_Resize() {
         }
     };
 
-    platform::TwipsRect grid = platform::twipsGeometry(MSFlexGrid1);
-    apply(height - platform::twipsGeometry(Label1[0]).height -
-              platform::twipsGeometry(StatusBar1).height - kGridFooter,
+    widgets::TwipsRect grid = widgets::twipsGeometry(MSFlexGrid1);
+    apply(height - widgets::twipsGeometry(Label1[0]).height -
+              widgets::twipsGeometry(StatusBar1).height - kGridFooter,
           grid.height);
     apply(width - design_.gridMargin, grid.width);
-    platform::setTwipsGeometry(MSFlexGrid1, grid);
+    widgets::setTwipsGeometry(MSFlexGrid1, grid);
 
-    platform::TwipsRect panel = platform::twipsGeometry(Picture1);
+    widgets::TwipsRect panel = widgets::twipsGeometry(Picture1);
     apply(grid.top + (grid.height - panel.height) / 2, panel.top);
     apply(grid.left + (grid.width - panel.width) / 2, panel.left);
-    platform::setTwipsGeometry(Picture1, panel);
+    widgets::setTwipsGeometry(Picture1, panel);
 
-    platform::TwipsRect refresh = platform::twipsGeometry(Command4);
-    platform::TwipsRect exit = platform::twipsGeometry(Command5);
+    widgets::TwipsRect refresh = widgets::twipsGeometry(Command4);
+    widgets::TwipsRect exit = widgets::twipsGeometry(Command5);
     apply(width - refresh.width - exit.width - design_.refreshGap, refresh.left);
     apply(width - exit.width - design_.exitMargin, exit.left);
-    platform::setTwipsGeometry(Command4, refresh);
-    platform::setTwipsGeometry(Command5, exit);
+    widgets::setTwipsGeometry(Command4, refresh);
+    widgets::setTwipsGeometry(Command5, exit);
 }
 
 // The status bar keeps to the bottom edge at its own height.
@@ -209,13 +209,13 @@ void AccountScreen::Image1_Click() {
 }
 
 void AccountScreen::ClearAccountFields() {
-    for (platform::TextBox* box : Text1) {
+    for (widgets::TextBox* box : Text1) {
         box->setText({});
     }
 }
 
 void AccountScreen::ClearOwnerFields() {
-    for (platform::TextBox* box : Text2) {
+    for (widgets::TextBox* box : Text2) {
         box->setText({});
     }
 }
@@ -224,7 +224,7 @@ void AccountScreen::prepareListGrid() {
     MSFlexGrid1->setRows(1);
     MSFlexGrid1->setColWidth(MSFlexGrid1->Cols() - 1, 0);
     for (int col = 0; col < MSFlexGrid1->Cols(); ++col) {
-        MSFlexGrid1->setColAlignmentFixed(col, platform::flexAlignCenterCenter);
+        MSFlexGrid1->setColAlignmentFixed(col, widgets::flexAlignCenterCenter);
     }
 }
 
@@ -241,18 +241,18 @@ void AccountScreen::copyAccountCells(int row) {
     }
 }
 
-void AccountScreen::fillOwnerFields(const platform::Recordset& owner) {
+void AccountScreen::fillOwnerFields(const database::Recordset& owner) {
     Text2[0]->setText(
-        platform::requireText(owner.Fields(QString::fromUtf16(kOwnerFields[0].column))));
+        database::requireText(owner.Fields(QString::fromUtf16(kOwnerFields[0].column))));
     for (std::size_t i = 1; i < Text2.size(); ++i) {
         Text2[i]->setText(
-            platform::fieldText(owner.Fields(QString::fromUtf16(kOwnerFields[i].column))));
+            database::fieldText(owner.Fields(QString::fromUtf16(kOwnerFields[i].column))));
     }
 }
 
 void AccountScreen::fillList(
-    const QString& sql, const std::function<void(int row, const platform::Recordset&)>& finishRow) {
-    platform::Recordset record;
+    const QString& sql, const std::function<void(int row, const database::Recordset&)>& finishRow) {
+    database::Recordset record;
     record.Open(sql, Connection::cn());
     MSFlexGrid1->setVisible(false);
     const auto showAgain = qScopeGuard([this] { MSFlexGrid1->setVisible(true); });
@@ -267,11 +267,10 @@ void AccountScreen::fillList(
         const int row = MSFlexGrid1->Rows() - 1;
         MSFlexGrid1->setRow(row);
         MSFlexGrid1->setRowData(row, record.Fields(QStringLiteral("HLWID")).toInt());
-        platform::setCellFromField(*MSFlexGrid1, row, keyCol, record, QStringLiteral("Zh_id"));
-        platform::setNumberCell(*MSFlexGrid1, row, 0, row);
+        setCellFromField(*MSFlexGrid1, row, keyCol, record, QStringLiteral("Zh_id"));
+        setNumberCell(*MSFlexGrid1, row, 0, row);
         for (qsizetype i = 0; i < listColumns.size(); ++i) {
-            platform::setCellFromField(*MSFlexGrid1, row, static_cast<int>(i) + 1, record,
-                                       listColumns[i]);
+            setCellFromField(*MSFlexGrid1, row, static_cast<int>(i) + 1, record, listColumns[i]);
         }
         finishRow(row, record);
         if (row % 2 == 0) {
@@ -288,17 +287,17 @@ void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleR
     constexpr int kGap = 120;
     int titleRight = 0;
     for (const QWidget* control : titleRow) {
-        const platform::TwipsRect place = platform::twipsGeometry(control);
+        const widgets::TwipsRect place = widgets::twipsGeometry(control);
         titleRight = std::max(titleRight, place.left + place.width);
     }
-    const int corner = platform::twipsGeometry(Command4).width +
-                       platform::twipsGeometry(Command5).width + design_.refreshGap;
+    const int corner = widgets::twipsGeometry(Command4).width +
+                       widgets::twipsGeometry(Command5).width + design_.refreshGap;
     const int width =
         std::max(design_.panel.width + design_.gridMargin, titleRight + kGap + corner);
     const int height = kTitleHeight + kGridFooter + design_.panel.height +
-                       platform::pixelsToTwips(StatusBar1->sizeHint().height());
+                       widgets::pixelsToTwips(StatusBar1->sizeHint().height());
     const auto pixels = [](int twips) {
-        return (twips + platform::kTwipsPerPixel - 1) / platform::kTwipsPerPixel;
+        return (twips + widgets::kTwipsPerPixel - 1) / widgets::kTwipsPerPixel;
     };
     setMinimumSize(pixels(width), pixels(height));
 }

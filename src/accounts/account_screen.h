@@ -8,17 +8,17 @@
 #include <map>
 #include <optional>
 
-#include "platform/flex_grid.h"
-#include "platform/form.h"
-#include "platform/grid_find_bar.h"
-#include "platform/image_button.h"
-#include "platform/placement.h"
-#include "platform/status_bar.h"
-#include "platform/text_box.h"
+#include "widgets/flex_grid.h"
+#include "widgets/form.h"
+#include "widgets/grid_find_bar.h"
+#include "widgets/image_button.h"
+#include "widgets/placement.h"
+#include "widgets/status_bar.h"
+#include "widgets/text_box.h"
 
 namespace qivo {
 
-namespace platform {
+namespace database {
 class Recordset;
 }
 
@@ -30,7 +30,7 @@ struct AccountScreenDesign {
     int exitMargin;      // from Command5's right edge to the window's inner right edge
     QString title;       // caption of the title label Label1(0)
     QString listFormat;  // MSFlexGrid1's format string
-    platform::TwipsRect panel;
+    widgets::TwipsRect panel;
     QPoint accountFields;  // where the registration's boxes start on the panel
     QPoint ownerFields;    // where the owner's boxes start on the panel
 };
@@ -39,18 +39,18 @@ struct AccountScreenDesign {
 // buttons in the top right corner, a status bar with the signed-in user, and a detail panel
 // (Picture1, closed by Image1) with the registration as listed beside the owner's record.
 // Each screen creates its own Command4 and Command5 before it is shown.
-class AccountScreen : public platform::Form {
+class AccountScreen : public widgets::Form {
   public:
     std::map<int, QLabel*> Label1;
-    platform::FlexGrid* MSFlexGrid1 = nullptr;
-    platform::GridFindBar* FindBar1 = nullptr;  // Ctrl+F under the list
-    platform::StatusBar* StatusBar1 = nullptr;
+    widgets::FlexGrid* MSFlexGrid1 = nullptr;
+    widgets::GridFindBar* FindBar1 = nullptr;  // Ctrl+F under the list
+    widgets::StatusBar* StatusBar1 = nullptr;
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;
     QFrame* Picture1 = nullptr;
-    platform::ImageButton* Image1 = nullptr;
-    std::array<platform::TextBox*, 5> Text1{};
-    std::array<platform::TextBox*, 11> Text2{};
+    widgets::ImageButton* Image1 = nullptr;
+    std::array<widgets::TextBox*, 5> Text1{};
+    std::array<widgets::TextBox*, 11> Text2{};
 
     void Form_Resize() override;
     // Opens the current list row into the panel.
@@ -66,8 +66,8 @@ class AccountScreen : public platform::Form {
   protected:
     AccountScreen(const AccountScreenDesign& design, QWidget* parent);
 
-    QLabel* addLabel(const QString& text, const platform::TwipsRect& place, QWidget* parent);
-    QLabel* addHeading(const QString& text, const platform::TwipsRect& place, QWidget* parent);
+    QLabel* addLabel(const QString& text, const widgets::TwipsRect& place, QWidget* parent);
+    QLabel* addHeading(const QString& text, const widgets::TwipsRect& place, QWidget* parent);
 
     // Load-time set-up of the list: header row only, key column hidden, headers centred.
     void prepareListGrid();
@@ -76,11 +76,11 @@ class AccountScreen : public platform::Form {
     // The registration's cells of a list row into Text1.
     void copyAccountCells(int row);
     // The owner's record into Text2; a Null 姓名 is a run-time error.
-    void fillOwnerFields(const platform::Recordset& owner);
+    void fillOwnerFields(const database::Recordset& owner);
     // Refills MSFlexGrid1 from the query: key, row number and the six shared columns, then
     // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
     void fillList(const QString& sql,
-                  const std::function<void(int row, const platform::Recordset&)>& finishRow);
+                  const std::function<void(int row, const database::Recordset&)>& finishRow);
     // Shows the panel for list row `row`, whose registration the decisions then act on: the list
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
@@ -98,7 +98,7 @@ class AccountScreen : public platform::Form {
     void buildAccountFields(QPoint origin);
     void buildOwnerFields(QPoint origin);
     // widths: of the label, then of the box.
-    platform::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
+    widgets::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
 
     AccountScreenDesign design_;

@@ -7,14 +7,14 @@
 #include "accounts/register_opener.h"
 #include "app/owner_launch.h"
 #include "check/workstation_check.h"
-#include "platform/end.h"
-#include "platform/error_path.h"
-#include "platform/screen_font.h"
 #include "register/register_form.h"
 #include "review/review_form.h"
+#include "runtime/end.h"
 #include "session/command_line.h"
 #include "session/login_form.h"
 #include "session/main_screen.h"
+#include "widgets/error_path.h"
+#include "widgets/screen_font.h"
 
 namespace {
 
@@ -44,8 +44,8 @@ int main(int argc, char** argv) {
             stderr);
         return 1;
     }
-    qivo::platform::Application app(argc, argv);
-    app.setFont(qivo::platform::screenFont(app.font()));
+    qivo::widgets::Application app(argc, argv);
+    app.setFont(qivo::widgets::screenFont(app.font()));
 
     QStringList arguments = app.arguments().mid(1);
     const auto ownerLaunch = qivo::app::startOwnerScreen(arguments);
@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
             try {
                 qivo::commandLineFields(commandLine);
             } catch (const std::exception& error) {
-                qivo::platform::reportError(error);
+                qivo::widgets::reportError(error);
                 return 2;
             }
         }
@@ -71,7 +71,7 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsSet("QIVO_QUIT_WHEN_SHOWN")) {
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
     }
-    if (qivo::platform::endRequested()) {
+    if (qivo::runtime::endRequested()) {
         return ownerLaunch ? ownerLaunch->exitStatus() : 0;
     }
     return app.exec();

@@ -1,26 +1,26 @@
 #include "check/schema_check.h"
 
+#include "database/ado.h"
 #include "db/schema.h"
-#include "platform/ado.h"
-#include "platform/runtime_error.h"
+#include "runtime/runtime_error.h"
 
 namespace qivo::check {
 namespace {
 
 // The database's message when the columns cannot be selected, empty when they can.
-QString selectFails(platform::AdoConnection& connection, const QString& table,
+QString selectFails(database::AdoConnection& connection, const QString& table,
                     const QStringList& columns) {
     try {
-        platform::Recordset rs;
+        database::Recordset rs;
         rs.Open("select " + columns.join(QStringLiteral(", ")) + " from " + table + " where 1=0",
                 connection);
         return {};
-    } catch (const platform::RuntimeError& error) {
+    } catch (const runtime::RuntimeError& error) {
         return error.description().isEmpty() ? QStringLiteral("?") : error.description();
     }
 }
 
-TableCheck checkTable(platform::AdoConnection& connection, const db::UsedTable& table) {
+TableCheck checkTable(database::AdoConnection& connection, const db::UsedTable& table) {
     TableCheck result;
     result.table = table.name;
     const QString message = selectFails(connection, table.name, table.columns);
@@ -46,7 +46,7 @@ TableCheck checkTable(platform::AdoConnection& connection, const db::UsedTable& 
 
 }  // namespace
 
-QList<TableCheck> checkTables(platform::AdoConnection& connection) {
+QList<TableCheck> checkTables(database::AdoConnection& connection) {
     QList<TableCheck> results;
     for (const db::UsedTable& table : db::usedTables()) {
         results.append(checkTable(connection, table));
@@ -54,8 +54,8 @@ QList<TableCheck> checkTables(platform::AdoConnection& connection) {
     return results;
 }
 
-int registrationsWithoutOwner(platform::AdoConnection& connection) {
-    platform::Recordset rs;
+int registrationsWithoutOwner(database::AdoConnection& connection) {
+    database::Recordset rs;
     rs.Open(QStringLiteral("select count(*) from 业户互联网 where 属性 = '业主' and not exists "
                            "(select 1 from 业主表 where 业主表.ZH_ID = 业户互联网.ZH_ID)"),
             connection);

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace qivo::platform {
+namespace qivo::database {
 class AdoConnection;
 }
 
@@ -22,10 +22,10 @@ struct TableCheck {
 
 // Reads every table the program uses with one query naming exactly its columns and no rows;
 // a table that fails is probed column by column, so each missing one is named.
-QList<TableCheck> checkTables(platform::AdoConnection& connection);
+QList<TableCheck> checkTables(database::AdoConnection& connection);
 
 // Owner registrations (属性 = '业主') whose owner row is missing: the review panel shows
 // "数据错误" for them.
-int registrationsWithoutOwner(platform::AdoConnection& connection);
+int registrationsWithoutOwner(database::AdoConnection& connection);
 
 }  // namespace qivo::check

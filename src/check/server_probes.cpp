@@ -5,12 +5,12 @@
 #include <QTextStream>
 #include <functional>
 
+#include "database/ado.h"
+#include "database/engine.h"
 #include "db/schema.h"
 #include "owner/owner_sql.h"
-#include "platform/ado.h"
-#include "platform/engine.h"
-#include "platform/runtime_error.h"
 #include "register/register_sql.h"
+#include "runtime/runtime_error.h"
 
 namespace qivo::check {
 namespace {
@@ -25,7 +25,7 @@ bool runProbe(QTextStream& out, const QString& name, const std::function<Seen()>
     Seen seen;
     try {
         seen = probe();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const runtime::RuntimeError& error) {
         seen = {false, error.description()};
     }
     out << "  " << (seen.passed ? "✓ " : "✗ ") << name << "：" << seen.what << '\n';
@@ -33,8 +33,8 @@ bool runProbe(QTextStream& out, const QString& name, const std::function<Seen()>
     return seen.passed;
 }
 
-QList<QVariantList> rowsOf(platform::AdoConnection& connection, const QString& sql) {
-    platform::Recordset rs;
+QList<QVariantList> rowsOf(database::AdoConnection& connection, const QString& sql) {
+    database::Recordset rs;
     rs.Open(sql, connection);
     QList<QVariantList> rows;
     for (; !rs.Eof(); rs.MoveNext()) {
@@ -55,10 +55,10 @@ QString tableList() {
     return names.join(u',');
 }
 
-Seen secondStatementWhileFirstOpen(platform::AdoConnection& connection) {
-    platform::Recordset first;
+Seen secondStatementWhileFirstOpen(database::AdoConnection& connection) {
+    database::Recordset first;
     first.Open(QStringLiteral("select HLWID from 业户互联网"), connection);
-    platform::Recordset second;
+    database::Recordset second;
     second.Open(QStringLiteral("select count(*) from 业主表"), connection);
     int rows = 0;
     for (; !first.Eof(); first.MoveNext()) {
@@ -69,7 +69,7 @@ Seen secondStatementWhileFirstOpen(platform::AdoConnection& connection) {
                       .arg(second.field(0).toString())};
 }
 
-Seen chineseTextRoundTrip(platform::AdoConnection& connection) {
+Seen chineseTextRoundTrip(database::AdoConnection& connection) {
     const QString pair = QStringLiteral("张三李四");
     const QString longText(3000, QChar(u'长'));
     const QString outsideGbk = QStringLiteral("\u4DAE");
@@ -96,7 +96,7 @@ Seen chineseTextRoundTrip(platform::AdoConnection& connection) {
     return {true, names.join(QStringLiteral("、")) + QStringLiteral(" 读回无损")};
 }
 
-Seen languageAndDateFormat(platform::AdoConnection& connection) {
+Seen languageAndDateFormat(database::AdoConnection& connection) {
     const QVariantList row =
         rowsOf(connection, QStringLiteral("select @@language, (select dateformat from "
                                           "sys.syslanguages where name = @@language)"))
@@ -105,7 +105,7 @@ Seen languageAndDateFormat(platform::AdoConnection& connection) {
                       .arg(row.value(0).toString(), row.value(1).toString())};
 }
 
-Seen columnTypes(platform::AdoConnection& connection) {
+Seen columnTypes(database::AdoConnection& connection) {
     QStringList used;
     for (const db::UsedTable& table : db::usedTables()) {
         for (const QString& column : table.columns) {
@@ -137,7 +137,7 @@ Seen columnTypes(platform::AdoConnection& connection) {
                       .arg(notable.isEmpty() ? QStringLiteral("无") : notable.join(u'，'))};
 }
 
-Seen identitiesAndTriggers(platform::AdoConnection& connection) {
+Seen identitiesAndTriggers(database::AdoConnection& connection) {
     QStringList what;
     bool passed = true;
     for (const auto& [table, key] :
@@ -163,7 +163,7 @@ Seen identitiesAndTriggers(platform::AdoConnection& connection) {
     return {passed, what.join(QStringLiteral("；"))};
 }
 
-Seen permissions(platform::AdoConnection& connection) {
+Seen permissions(database::AdoConnection& connection) {
     QList<std::pair<QString, QString>> needed;
     for (const db::UsedTable& table : db::usedTables()) {
         needed.append({table.name, "SELECT"});
@@ -193,18 +193,18 @@ Seen permissions(platform::AdoConnection& connection) {
 }
 
 // The owner screen's saves and the register's termination batch, undone afterwards.
-Seen savesRolledBack(platform::AdoConnection& connection) {
+Seen savesRolledBack(database::AdoConnection& connection) {
     QSqlDatabase db = connection.database();
     if (!db.transaction()) {
-        platform::throwSqlError(db.lastError());
+        database::throwSqlError(db.lastError());
     }
     QString ownerKey;
     QString memberKey;
     QString birthDate;
     try {
-        platform::Recordset owner;
-        owner.Open(owner_sql::newOwnerQuery(), connection, platform::adOpenKeyset,
-                   platform::adLockOptimistic);
+        database::Recordset owner;
+        owner.Open(owner_sql::newOwnerQuery(), connection, database::adOpenKeyset,
+                   database::adLockOptimistic);
         owner.AddNew();
         owner.setField("S_ID", 0);
         owner.setField("姓名", QStringLiteral("工作站检查"));
@@ -213,9 +213,9 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
         owner.Update();
         ownerKey = owner.Fields("Zh_id").toString();
 
-        platform::Recordset member;
-        member.Open(owner_sql::newMemberQuery(), connection, platform::adOpenKeyset,
-                    platform::adLockOptimistic);
+        database::Recordset member;
+        member.Open(owner_sql::newMemberQuery(), connection, database::adOpenKeyset,
+                    database::adLockOptimistic);
         member.AddNew();
         member.setField("Zh_id", ownerKey);
         member.setField("ZL_xm", QStringLiteral("检查"));
@@ -223,17 +223,17 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
         member.setField("ZL_csrq", QStringLiteral("2024-03-05"));  // as typed on the owner screen
         member.Update();
         memberKey = member.Fields("ZL_ID").toString();
-        birthDate = platform::fieldText(member.Fields("ZL_csrq"));
+        birthDate = database::fieldText(member.Fields("ZL_csrq"));
 
-        platform::Recordset edit;
-        edit.Open(owner_sql::memberQuery(memberKey), connection, platform::adOpenKeyset,
-                  platform::adLockOptimistic);
+        database::Recordset edit;
+        edit.Open(owner_sql::memberQuery(memberKey), connection, database::adOpenKeyset,
+                  database::adLockOptimistic);
         edit.setField("ZL_xm", QVariant());
         edit.Update();
 
         // Keys no registration has: the batch runs and removes nothing. Its statements go one by
         // one, as Execute sends them, but inside this transaction: Execute would commit it.
-        const platform::Engine& engine = connection.engine();
+        const database::Engine& engine = connection.engine();
         for (const QString& statement : engine.statements(register_sql::terminateBatch(-1, {-2}))) {
             engine.execute(db, {statement});
         }
@@ -242,7 +242,7 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
         throw;
     }
     if (!db.rollback()) {
-        platform::throwSqlError(db.lastError());
+        database::throwSqlError(db.lastError());
     }
     if (ownerKey.isEmpty() || memberKey.isEmpty()) {
         return {
@@ -270,10 +270,10 @@ Seen savesRolledBack(platform::AdoConnection& connection) {
 
 }  // namespace
 
-bool runServerProbes(QTextStream& out, platform::AdoConnection& connection) {
+bool runServerProbes(QTextStream& out, database::AdoConnection& connection) {
     out << "SQL Server\n";
     bool passed = true;
-    const std::pair<const char*, Seen (*)(platform::AdoConnection&)> probes[] = {
+    const std::pair<const char*, Seen (*)(database::AdoConnection&)> probes[] = {
         {"未读完的记录集旁再查询", secondStatementWhileFirstOpen},
         {"中文往返", chineseTextRoundTrip},
         {"登录语言和日期格式", languageAndDateFormat},

@@ -2,7 +2,7 @@
 
 class QTextStream;
 
-namespace qivo::platform {
+namespace qivo::database {
 class AdoConnection;
 }
 
@@ -12,6 +12,6 @@ namespace qivo::check {
 // through the program's own record set, the login's language and date format, column types,
 // identities and triggers, permissions, and the program's saves in a transaction that is rolled
 // back. One ✓/✗ line each; true when none failed.
-bool runServerProbes(QTextStream& out, platform::AdoConnection& connection);
+bool runServerProbes(QTextStream& out, database::AdoConnection& connection);
 
 }  // namespace qivo::check

@@ -5,10 +5,10 @@
 
 #include "check/schema_check.h"
 #include "check/server_probes.h"
-#include "platform/ado.h"
-#include "platform/engine.h"
-#include "platform/odbc_connection_string.h"
-#include "platform/runtime_error.h"
+#include "database/ado.h"
+#include "database/engine.h"
+#include "database/odbc_connection_string.h"
+#include "runtime/runtime_error.h"
 #include "session/connection.h"
 
 namespace qivo::check {
@@ -23,31 +23,31 @@ QString shown(const QString& value) {
 }
 
 void printSettings(QTextStream& out, const ConnectionSettings& settings) {
-    const bool embedded = platform::isEmbedded(settings.dataSource);
+    const bool embedded = database::isEmbedded(settings.dataSource);
     out << "设置       " << settings.location << " [DBConfig]\n";
     out << "服务器     " << shown(settings.dataSource) << '\n';
     out << "数据库     " << shown(settings.catalog) << '\n';
     out << "登录       " << shown(settings.userId) << "，密码"
         << (settings.password.isEmpty() ? "为空" : "已设置（不显示）") << '\n';
     out << "引擎       " << (embedded ? "嵌入式 SQLite" : "SQL Server（ODBC）") << '\n';
-    const QString installed = platform::installedDrivers().join(QStringLiteral("、"));
-    out << "ODBC 驱动  " << (embedded ? QStringLiteral("不使用") : platform::odbcDriverName())
+    const QString installed = database::installedDrivers().join(QStringLiteral("、"));
+    out << "ODBC 驱动  " << (embedded ? QStringLiteral("不使用") : database::odbcDriverName())
         << "（已安装：" << (installed.isEmpty() ? QStringLiteral("无") : installed) << "）\n";
     if (!embedded) {
         // What reaches the driver, the password masked.
-        auto parts = platform::parseConnectionString(Connection::composeConnectionString(
+        auto parts = database::parseConnectionString(Connection::composeConnectionString(
             settings.userId, QString(), settings.catalog, settings.dataSource));
         if (!settings.password.isEmpty()) {
             parts.insert(QStringLiteral("password"), QStringLiteral("***"));
         }
-        out << "连接串     " << platform::odbcConnectionString(parts, platform::odbcDriverName())
+        out << "连接串     " << database::odbcConnectionString(parts, database::odbcDriverName())
             << '\n';
     }
 }
 
 // Every used table: ✓, or ✗ with what is missing. Returns the missing items; complete gets the
 // tables that read whole.
-QStringList printTables(QTextStream& out, platform::AdoConnection& connection,
+QStringList printTables(QTextStream& out, database::AdoConnection& connection,
                         QStringList& complete) {
     QStringList missing;
     out << "表和列\n";
@@ -70,7 +70,7 @@ QStringList printTables(QTextStream& out, platform::AdoConnection& connection,
     return missing;
 }
 
-void printOwnerKeys(QTextStream& out, platform::AdoConnection& connection) {
+void printOwnerKeys(QTextStream& out, database::AdoConnection& connection) {
     out << "业主记录\n";
     try {
         if (const int orphans = registrationsWithoutOwner(connection); orphans > 0) {
@@ -79,7 +79,7 @@ void printOwnerKeys(QTextStream& out, platform::AdoConnection& connection) {
         } else {
             out << "  " << kYes << " 每条业主登记都有业主记录\n";
         }
-    } catch (const platform::RuntimeError& error) {
+    } catch (const runtime::RuntimeError& error) {
         out << "  ! 警告：无法核对业主记录（" << error.description() << "）\n";
     }
 }
@@ -92,7 +92,7 @@ int checkWorkstation(QTextStream& out) {
     printSettings(out, settings);
     out.flush();
 
-    platform::AdoConnection connection;
+    database::AdoConnection connection;
     Connection::prepareConnection(
         connection, Connection::composeConnectionString(settings.userId, settings.password,
                                                         settings.catalog, settings.dataSource));
@@ -100,7 +100,7 @@ int checkWorkstation(QTextStream& out) {
     timer.start();
     try {
         connection.Open();
-    } catch (const platform::RuntimeError& error) {
+    } catch (const runtime::RuntimeError& error) {
         out << "连接       " << kNo << ' ' << error.description() << '\n';
         out << "结果       " << kNo << " 无法连接数据库（登录时限 " << connection.ConnectionTimeout
             << " 秒）\n";
@@ -115,7 +115,7 @@ int checkWorkstation(QTextStream& out) {
         printOwnerKeys(out, connection);
     }
     const bool probesPass =
-        platform::isEmbedded(settings.dataSource) || runServerProbes(out, connection);
+        database::isEmbedded(settings.dataSource) || runServerProbes(out, connection);
     if (missing.isEmpty() && probesPass) {
         out << "结果       " << kYes << " 程序使用的每张表和每一列都在\n";
         return AllPresent;

@@ -8,8 +8,8 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/ado.h"
-#include "platform/engine.h"
+#include "database/ado.h"
+#include "database/engine.h"
 
 namespace qivo::db {
 namespace {
@@ -103,7 +103,7 @@ class Writer {
         if (found == queries_.end()) {
             QSqlQuery query(db_);
             if (!query.prepare(sql)) {
-                platform::throwSqlError(query.lastError());
+                database::throwSqlError(query.lastError());
             }
             found = queries_.insert(sql, query);
         }
@@ -116,7 +116,7 @@ class Writer {
             query.bindValue(i, values[i]);
         }
         if (!query.exec()) {
-            platform::throwSqlError(query.lastError());
+            database::throwSqlError(query.lastError());
         }
         return query.lastInsertId();
     }
@@ -268,7 +268,7 @@ class Writer {
         QSqlQuery query(db_);
         for (const QString& statement : statements) {
             if (!query.exec(statement)) {
-                platform::throwSqlError(query.lastError());
+                database::throwSqlError(query.lastError());
             }
         }
     }
@@ -281,7 +281,7 @@ class Writer {
 
 }  // namespace
 
-void writeDemoData(platform::AdoConnection& connection, int registrations) {
+void writeDemoData(database::AdoConnection& connection, int registrations) {
     QSqlDatabase db = connection.database();
     db.transaction();
     try {

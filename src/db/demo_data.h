@@ -1,6 +1,6 @@
 #pragma once
 
-namespace qivo::platform {
+namespace qivo::database {
 class AdoConnection;
 }
 
@@ -9,6 +9,6 @@ namespace qivo::db {
 // Fills an embedded database that has the schema with a demo estate group: estates, buildings,
 // rooms, owners, household members, staff with posts and `registrations` rows of 业户互联网 in
 // every state. The same every time for the same count.
-void writeDemoData(platform::AdoConnection& connection, int registrations);
+void writeDemoData(database::AdoConnection& connection, int registrations);
 
 }  // namespace qivo::db

@@ -4,8 +4,8 @@
 #include <QSqlQuery>
 #include <QStringList>
 
-#include "platform/ado.h"
-#include "platform/engine.h"
+#include "database/ado.h"
+#include "database/engine.h"
 
 namespace qivo::db {
 namespace {
@@ -158,7 +158,7 @@ QList<UsedTable> usedTables() {
     return used;
 }
 
-void createEmbeddedSchema(platform::AdoConnection& connection) {
+void createEmbeddedSchema(database::AdoConnection& connection) {
     QSqlDatabase db = connection.database();
     db.transaction();
     QSqlQuery query(db);
@@ -166,7 +166,7 @@ void createEmbeddedSchema(platform::AdoConnection& connection) {
         if (!query.exec(statement)) {
             const QSqlError error = query.lastError();
             db.rollback();
-            platform::throwSqlError(error);
+            database::throwSqlError(error);
         }
     }
     db.commit();

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace qivo::platform {
+namespace qivo::database {
 class AdoConnection;
 }
 
@@ -13,7 +13,7 @@ namespace qivo::db {
 // Creates every table the program reads or writes in an empty embedded database: keys as
 // identities, text columns with the SQL-Server-like collation, date columns that accept only
 // dates, flags as 0/1, and the indexes an estate database has on its keys.
-void createEmbeddedSchema(platform::AdoConnection& connection);
+void createEmbeddedSchema(database::AdoConnection& connection);
 
 // A table the program reads or writes, with the columns it uses, in the embedded schema's order.
 struct UsedTable {

@@ -7,36 +7,36 @@
 #include <array>
 #include <map>
 
-#include "platform/flex_grid.h"
-#include "platform/form.h"
-#include "platform/frame.h"
-#include "platform/text_box.h"
+#include "widgets/flex_grid.h"
+#include "widgets/form.h"
+#include "widgets/frame.h"
+#include "widgets/text_box.h"
 
 namespace qivo {
 
 class OwnerKeyReceiver;
 
-namespace platform {
+namespace database {
 class Recordset;
 }
 
 // The owner information screen: one owner of 业主表 in Frame1(0), the household members of ZHZL
 // in Frame1(1). The opener puts the owner key into Frame1(0).Tag (empty for a new owner, whose
 // room then goes into Frame1(1).Tag) before showing it.
-class frm业户信息 final : public platform::Form {
+class frm业户信息 final : public widgets::Form {
   public:
     explicit frm业户信息(QWidget* parent = nullptr);
 
     // The opener, told the owner key on unload; none by default.
     void setOpener(OwnerKeyReceiver* opener) { opener_ = opener; }
 
-    std::array<platform::Frame*, 2> Frame1{};
-    std::array<platform::TextBox*, 11> Text2{};
+    std::array<widgets::Frame*, 2> Frame1{};
+    std::array<widgets::TextBox*, 11> Text2{};
     QCheckBox* Check1 = nullptr;
     QPushButton* Command3 = nullptr;
     QPushButton* Command2 = nullptr;
-    platform::FlexGrid* Grid2 = nullptr;
-    std::array<platform::TextBox*, 13> Text3{};
+    widgets::FlexGrid* Grid2 = nullptr;
+    std::array<widgets::TextBox*, 13> Text3{};
     QComboBox* Combo4 = nullptr;
     QComboBox* Combo5 = nullptr;
     QPushButton* Command6 = nullptr;
@@ -63,13 +63,13 @@ class frm业户信息 final : public platform::Form {
     void showOwner(const QString& ownerKey);
     void showMembers(const QString& ownerKey);
     void setMemberButtons();
-    void writeOwnerBoxes(platform::Recordset& owner) const;
+    void writeOwnerBoxes(database::Recordset& owner) const;
     void insertMember();
     void updateSelectedMember();
-    void writeMemberFields(platform::Recordset& member) const;
-    void showMemberLine(int row, const platform::Recordset& member);
+    void writeMemberFields(database::Recordset& member) const;
+    void showMemberLine(int row, const database::Recordset& member);
     QVariant memberValue(int gridCol) const;
-    platform::TextBox* memberBox(int gridCol) const;
+    widgets::TextBox* memberBox(int gridCol) const;
 
     OwnerKeyReceiver* opener_ = nullptr;
 };

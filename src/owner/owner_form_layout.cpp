@@ -4,8 +4,8 @@
 
 #include "owner/owner_fields.h"
 #include "owner/owner_form.h"
-#include "platform/error_path.h"
-#include "platform/screen_font.h"
+#include "widgets/error_path.h"
+#include "widgets/screen_font.h"
 
 namespace qivo {
 
@@ -34,9 +34,9 @@ QPushButton* button(const QString& caption, QWidget* parent) {
 
 }  // namespace
 
-frm业户信息::frm业户信息(QWidget* parent) : platform::Form(parent) {
+frm业户信息::frm业户信息(QWidget* parent) : widgets::Form(parent) {
     setWindowTitle(QStringLiteral("业户信息"));
-    setFont(platform::screenFont(font()));
+    setFont(widgets::screenFont(font()));
     resize(980, 700);
     buildOwnerFrame();
     buildMemberFrame();
@@ -54,10 +54,10 @@ QLabel* frm业户信息::addLabel(int index, const QString& text, QWidget* paren
 }
 
 void frm业户信息::buildOwnerFrame() {
-    Frame1[0] = new platform::Frame(QStringLiteral("业户信息"), this);
+    Frame1[0] = new widgets::Frame(QStringLiteral("业户信息"), this);
     QWidget* frame = Frame1[0];
     for (int i = 0; i < static_cast<int>(Text2.size()); ++i) {
-        Text2[i] = new platform::TextBox(frame, i == 10);
+        Text2[i] = new widgets::TextBox(frame, i == 10);
     }
     Text2[10]->setFixedHeight(64);
     Check1 = new QCheckBox(QStringLiteral("允许短信通知"), frame);
@@ -95,17 +95,17 @@ void frm业户信息::buildOwnerFrame() {
 }
 
 void frm业户信息::buildMemberFrame() {
-    Frame1[1] = new platform::Frame(QStringLiteral("业户(成员)信息"), this);
+    Frame1[1] = new widgets::Frame(QStringLiteral("业户(成员)信息"), this);
     Frame1[1]->setEnabled(false);
     QWidget* frame = Frame1[1];
-    Grid2 = new platform::FlexGrid(frame);
+    Grid2 = new widgets::FlexGrid(frame);
     Grid2->setFormatString(owner_fields::kMemberGridFormat.toString());
     Grid2->setFixedCols(1);
     // However small the window, the header and a few members stay in view.
     Grid2->setMinimumHeight(Grid2->horizontalHeader()->sizeHint().height() +
                             4 * Grid2->verticalHeader()->defaultSectionSize());
     for (int i = 0; i < static_cast<int>(Text3.size()); ++i) {
-        Text3[i] = new platform::TextBox(frame, i == 12);
+        Text3[i] = new widgets::TextBox(frame, i == 12);
     }
     Text3[12]->setFixedHeight(56);
     Combo4 = new QComboBox(frame);
@@ -159,12 +159,12 @@ void frm业户信息::buildMemberFrame() {
 }
 
 void frm业户信息::connectEvents() {
-    platform::onEvent(Grid2, &platform::FlexGrid::Click, this, [this] { Grid2_Click(); });
-    platform::onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
-    platform::onEvent(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
-    platform::onEvent(Command5, &QPushButton::clicked, this, [this] { Command5_Click(); });
-    platform::onEvent(Command6, &QPushButton::clicked, this, [this] { Command6_Click(); });
-    platform::onEvent(Command7, &QPushButton::clicked, this, [this] { Command7_Click(); });
+    widgets::onEvent(Grid2, &widgets::FlexGrid::Click, this, [this] { Grid2_Click(); });
+    widgets::onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
+    widgets::onEvent(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
+    widgets::onEvent(Command5, &QPushButton::clicked, this, [this] { Command5_Click(); });
+    widgets::onEvent(Command6, &QPushButton::clicked, this, [this] { Command6_Click(); });
+    widgets::onEvent(Command7, &QPushButton::clicked, this, [this] { Command7_Click(); });
 }
 
 }  // namespace qivo

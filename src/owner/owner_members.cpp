@@ -1,11 +1,11 @@
+#include "database/ado.h"
+#include "database/dates.h"
 #include "owner/box_value.h"
 #include "owner/owner_fields.h"
 #include "owner/owner_form.h"
 #include "owner/owner_sql.h"
-#include "platform/ado.h"
-#include "platform/dates.h"
-#include "platform/msgbox.h"
 #include "session/connection.h"
+#include "widgets/msgbox.h"
 
 namespace qivo {
 
@@ -17,7 +17,7 @@ const QString kEditCaption = QStringLiteral("新增(&A)");
 }  // namespace
 
 // The text box that edits a member grid column; none for the two combo columns.
-platform::TextBox* frm业户信息::memberBox(int gridCol) const {
+widgets::TextBox* frm业户信息::memberBox(int gridCol) const {
     if (gridCol == owner_fields::kSexColumn || gridCol == owner_fields::kMaritalColumn) {
         return nullptr;
     }
@@ -35,7 +35,7 @@ void frm业户信息::Grid2_Click() {
     Command5->setEnabled(true);
     const int row = Grid2->Row();
     for (int col = 1; col <= static_cast<int>(owner_fields::kMemberGridColumns.size()); ++col) {
-        if (platform::TextBox* box = memberBox(col)) {
+        if (widgets::TextBox* box = memberBox(col)) {
             box->setText(Grid2->TextMatrix(row, col));
         }
     }
@@ -54,7 +54,7 @@ void frm业户信息::Command6_Click() {
     Command6->setText(kAddMode);
     Command7->setEnabled(false);
     Command5->setEnabled(true);
-    for (platform::TextBox* box : Text3) {
+    for (widgets::TextBox* box : Text3) {
         box->setText({});
     }
     Combo5->setCurrentIndex(-1);
@@ -64,7 +64,7 @@ void frm业户信息::Command6_Click() {
 void frm业户信息::Command7_Click() {
     const int row = Grid2->Row();
     const QString name = Grid2->TextMatrix(row, 1);
-    if (platform::MsgBox("确认要删除" + name + "?", platform::vbYesNo) != platform::vbYes) {
+    if (widgets::MsgBox("确认要删除" + name + "?", widgets::vbYesNo) != widgets::vbYes) {
         return;
     }
     const int keyCol = Grid2->Cols() - 1;
@@ -84,8 +84,8 @@ void frm业户信息::Command7_Click() {
 
 void frm业户信息::Command5_Click() {
     const QString birthDate = Text3[2]->text();
-    if (!birthDate.isEmpty() && !platform::IsDate(birthDate)) {
-        platform::MsgBox(QStringLiteral("输入了非法日期"));
+    if (!birthDate.isEmpty() && !database::IsDate(birthDate)) {
+        widgets::MsgBox(QStringLiteral("输入了非法日期"));
         Text3[2]->setFocus();
         return;
     }
@@ -97,9 +97,9 @@ void frm业户信息::Command5_Click() {
 }
 
 void frm业户信息::insertMember() {
-    platform::Recordset member;
-    member.Open(owner_sql::newMemberQuery(), Connection::cn(), platform::adOpenKeyset,
-                platform::adLockOptimistic);
+    database::Recordset member;
+    member.Open(owner_sql::newMemberQuery(), Connection::cn(), database::adOpenKeyset,
+                database::adLockOptimistic);
     member.AddNew();
     member.setField(QStringLiteral("Zh_id"), textAsIs(Frame1[0]->Tag));
     writeMemberFields(member);
@@ -108,7 +108,7 @@ void frm业户信息::insertMember() {
     const int row = Grid2->Rows() - 1;
     showMemberLine(row, member);
     Grid2->setTextMatrix(row, Grid2->Cols() - 1,
-                         platform::fieldText(member.Fields(QStringLiteral("ZL_ID"))));
+                         database::fieldText(member.Fields(QStringLiteral("ZL_ID"))));
     // The bare caption, unlike the design's "新增(&A)": the next click of Command6 cancels.
     Command6->setText(QStringLiteral("新增"));
     Command7->setEnabled(true);
@@ -117,15 +117,15 @@ void frm业户信息::insertMember() {
 void frm业户信息::updateSelectedMember() {
     const int row = Grid2->Row();
     const QString memberKey = Grid2->TextMatrix(row, Grid2->Cols() - 1);
-    platform::Recordset member;
-    member.Open(owner_sql::memberQuery(memberKey), Connection::cn(), platform::adOpenKeyset,
-                platform::adLockOptimistic);
+    database::Recordset member;
+    member.Open(owner_sql::memberQuery(memberKey), Connection::cn(), database::adOpenKeyset,
+                database::adLockOptimistic);
     writeMemberFields(member);
     member.Update();
     showMemberLine(row, member);
 }
 
-void frm业户信息::writeMemberFields(platform::Recordset& member) const {
+void frm业户信息::writeMemberFields(database::Recordset& member) const {
     for (int col = 1; col <= static_cast<int>(owner_fields::kMemberGridColumns.size()); ++col) {
         member.setField(owner_fields::kMemberGridColumns[col - 1].toString(), memberValue(col));
     }

@@ -4,11 +4,11 @@
 #include <QRegularExpression>
 #include <cstdio>
 
+#include "database/ado.h"
 #include "owner/owner_form.h"
 #include "owner/owner_sql.h"
-#include "platform/ado.h"
-#include "platform/end.h"
-#include "platform/runtime_error.h"
+#include "runtime/end.h"
+#include "runtime/runtime_error.h"
 #include "session/connection.h"
 
 namespace qivo {
@@ -26,7 +26,7 @@ bool isDecimalKey(const QString& text) {
 
 // A screen for a key with no owner row would show an empty owner as if stored.
 bool ownerExists(const QString& ownerKey) {
-    platform::Recordset owner;
+    database::Recordset owner;
     owner.Open(owner_sql::ownerQuery(ownerKey), Connection::cn());
     return !owner.Eof();
 }
@@ -70,7 +70,7 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
         return launch;
     }
     if (!ConnectDatabase()) {
-        platform::End();
+        runtime::End();
         return launch;
     }
     if (option == kOwnerOption) {
@@ -79,7 +79,7 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
                 launch->refuse(QStringLiteral("业主表中没有编号为 %1 的业主").arg(value));
                 return launch;
             }
-        } catch (const platform::RuntimeError& error) {
+        } catch (const runtime::RuntimeError& error) {
             launch->refuse(error.description());
             return launch;
         }
@@ -95,7 +95,7 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
 void OwnerLaunch::refuse(const QString& reason) {
     std::fprintf(stderr, "qivo-review: %s\n", qPrintable(reason));
     exitStatus_ = 2;
-    platform::End();
+    runtime::End();
 }
 
 void OwnerLaunch::open(const QString& ownerKey, const QString& roomId) {

@@ -1,9 +1,9 @@
 #include "register/register_form.h"
 
-#include "platform/ado.h"
-#include "platform/msgbox.h"
+#include "database/ado.h"
 #include "register/register_sql.h"
 #include "session/connection.h"
+#include "widgets/msgbox.h"
 
 namespace qivo {
 
@@ -27,7 +27,7 @@ void frmQivo账号一览表::Form_Load() {
     MSFlexGrid1->setColWidth(MSFlexGrid1->Cols() - 1, 0);
     MSFlexGrid2->setRows(1);
     for (int col = 0; col < MSFlexGrid2->Cols(); ++col) {
-        MSFlexGrid2->setColAlignmentFixed(col, platform::flexAlignCenterCenter);
+        MSFlexGrid2->setColAlignmentFixed(col, widgets::flexAlignCenterCenter);
     }
     showSignedInUser();
     LoadApprovedList();
@@ -38,7 +38,7 @@ void frmQivo账号一览表::LoadApprovedList() {
     closePanel();
     try {
         fillList(register_sql::approvedListQuery(),
-                 [this](int row, const platform::Recordset& record) {
+                 [this](int row, const database::Recordset& record) {
                      MSFlexGrid1->setTextMatrix(
                          row, kStateCol, householdState(record.Fields(QStringLiteral("说明"))));
                      MSFlexGrid1->setTextMatrix(row, kOpenCol, QStringLiteral("查看\\终止"));
@@ -81,7 +81,7 @@ void frmQivo账号一览表::FillAccountFields(qint32 row) {
 // A missing owner row or a Null name ends the fill quietly; boxes not reached keep their text.
 void frmQivo账号一览表::LoadOwnerDetail(qint32 zhId) {
     try {
-        platform::Recordset owner;
+        database::Recordset owner;
         owner.Open(register_sql::ownerDetailQuery(zhId), Connection::cn());
         fillOwnerFields(owner);
     } catch (const std::exception&) {
@@ -90,7 +90,7 @@ void frmQivo账号一览表::LoadOwnerDetail(qint32 zhId) {
 }
 
 void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
-    platform::Recordset member;
+    database::Recordset member;
     member.Open(register_sql::memberAccountsQuery(zhId), Connection::cn());
     MSFlexGrid2->setRows(1);
     MSFlexGrid2->setVisible(false);
@@ -100,13 +100,13 @@ void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
         MSFlexGrid2->setRow(row);
         MSFlexGrid2->setTextMatrix(row, 0, QString::number(row));
         MSFlexGrid2->setTextMatrix(row, 1,
-                                   platform::fieldText(member.Fields(QStringLiteral("Qivo号"))));
+                                   database::fieldText(member.Fields(QStringLiteral("Qivo号"))));
         MSFlexGrid2->setTextMatrix(row, 2,
-                                   platform::fieldText(member.Fields(QStringLiteral("姓名"))));
+                                   database::fieldText(member.Fields(QStringLiteral("姓名"))));
         MSFlexGrid2->setTextMatrix(row, 3,
-                                   platform::fieldText(member.Fields(QStringLiteral("身份证"))));
+                                   database::fieldText(member.Fields(QStringLiteral("身份证"))));
         MSFlexGrid2->setTextMatrix(row, 4,
-                                   platform::fieldText(member.Fields(QStringLiteral("手机"))));
+                                   database::fieldText(member.Fields(QStringLiteral("手机"))));
         MSFlexGrid2->setRowData(row, member.Fields(QStringLiteral("HLWID")).toInt());
         member.MoveNext();
     }
@@ -116,13 +116,13 @@ void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
 // Terminates the opened owner's account and every member account the panel lists, in one
 // batch that either runs whole or not at all.
 void frmQivo账号一览表::Command1_Click() {
-    if (platform::MsgBox(QStringLiteral("确认要终止这个Qivo账号"), platform::vbYesNo) ==
-        platform::vbNo) {
+    if (widgets::MsgBox(QStringLiteral("确认要终止这个Qivo账号"), widgets::vbYesNo) ==
+        widgets::vbNo) {
         return;
     }
     if (MSFlexGrid2->Rows() >= 2 &&
-        platform::MsgBox(QStringLiteral("该业主名下的Qivo账号将同时终止"), platform::vbYesNo) ==
-            platform::vbNo) {
+        widgets::MsgBox(QStringLiteral("该业主名下的Qivo账号将同时终止"), widgets::vbYesNo) ==
+            widgets::vbNo) {
         return;
     }
     QList<qint32> members;

@@ -11,7 +11,7 @@ class frmQivo账号一览表 final : public AccountScreen {
   public:
     explicit frmQivo账号一览表(QWidget* parent = nullptr);
 
-    platform::FlexGrid* MSFlexGrid2 = nullptr;
+    widgets::FlexGrid* MSFlexGrid2 = nullptr;
     QPushButton* Command1 = nullptr;
     QPushButton* Command2 = nullptr;
 

@@ -1,7 +1,7 @@
-#include "platform/error_path.h"
-#include "platform/screen_font.h"
-#include "platform/single_form.h"
 #include "register/register_form.h"
+#include "widgets/error_path.h"
+#include "widgets/screen_font.h"
+#include "widgets/single_form.h"
 
 namespace qivo {
 
@@ -32,12 +32,12 @@ QString memberFormat() {
 
 frmQivo账号一览表::frmQivo账号一览表(QWidget* parent) : AccountScreen(registerDesign(), parent) {
     setWindowTitle(QStringLiteral("Qivo账号一览表"));
-    setFont(platform::screenFont(font()));
-    platform::setTwipsGeometry(this, {0, 0, 15030, 10500});
+    setFont(widgets::screenFont(font()));
+    widgets::setTwipsGeometry(this, {0, 0, 15030, 10500});
     Command4 = new QPushButton(QStringLiteral("刷新"), this);
-    platform::setTwipsGeometry(Command4, {9570, 60, 1365, 375});
+    widgets::setTwipsGeometry(Command4, {9570, 60, 1365, 375});
     Command5 = new QPushButton(QStringLiteral("退出"), this);
-    platform::setTwipsGeometry(Command5, {13350, 45, 1365, 375});
+    widgets::setTwipsGeometry(Command5, {13350, 45, 1365, 375});
     buildMemberArea();
     connectEvents();
     setSmallestSize({Label1[0]});
@@ -48,19 +48,19 @@ void frmQivo账号一览表::buildMemberArea() {
     addHeading(QStringLiteral("业主Qivo注册资料"), {300, 600, 4000, 360}, Picture1);
     addHeading(QStringLiteral("业主资料"), {5900, 600, 4000, 360}, Picture1);
     addHeading(QStringLiteral("业主名下的Qivo账号"), {300, 6100, 4000, 360}, Picture1);
-    MSFlexGrid2 = new platform::FlexGrid(Picture1);
+    MSFlexGrid2 = new widgets::FlexGrid(Picture1);
     MSFlexGrid2->setFormatString(memberFormat());
-    platform::setTwipsGeometry(MSFlexGrid2, {300, 6480, 11400, 1455});
+    widgets::setTwipsGeometry(MSFlexGrid2, {300, 6480, 11400, 1455});
     Command1 = new QPushButton(QStringLiteral("终止"), Picture1);
-    platform::setTwipsGeometry(Command1, {3150, 8055, 1470, 450});
+    widgets::setTwipsGeometry(Command1, {3150, 8055, 1470, 450});
     Command2 = new QPushButton(QStringLiteral("关闭"), Picture1);
-    platform::setTwipsGeometry(Command2, {7680, 8055, 1470, 450});
+    widgets::setTwipsGeometry(Command2, {7680, 8055, 1470, 450});
 }
 
 void frmQivo账号一览表::connectEvents() {
-    using platform::onEvent;
-    onEvent(MSFlexGrid1, &platform::FlexGrid::Click, this, [this] { MSFlexGrid1_Click(); });
-    onEvent(MSFlexGrid1, &platform::FlexGrid::DblClick, this, [this] { MSFlexGrid1_DblClick(); });
+    using widgets::onEvent;
+    onEvent(MSFlexGrid1, &widgets::FlexGrid::Click, this, [this] { MSFlexGrid1_Click(); });
+    onEvent(MSFlexGrid1, &widgets::FlexGrid::DblClick, this, [this] { MSFlexGrid1_DblClick(); });
     onEvent(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
     onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     onEvent(Command4, &QPushButton::clicked, this, [this] { Command4_Click(); });
@@ -68,7 +68,7 @@ void frmQivo账号一览表::connectEvents() {
 }
 
 frmQivo账号一览表& registerForm() {
-    return platform::singleForm<frmQivo账号一览表>();
+    return widgets::singleForm<frmQivo账号一览表>();
 }
 
 }  // namespace qivo

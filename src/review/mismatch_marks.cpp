@@ -2,8 +2,8 @@
 
 #include <QLineEdit>
 
-#include "platform/blanks.h"
-#include "platform/text_box.h"
+#include "runtime/blanks.h"
+#include "widgets/text_box.h"
 
 namespace qivo::review {
 
@@ -13,8 +13,8 @@ const char* const kMarked = "mismatch";
 
 }  // namespace
 
-void markMismatch(platform::TextBox* registered, const QString& ownerValue) {
-    if (platform::trimBlanks(registered->text()) == platform::trimBlanks(ownerValue)) {
+void markMismatch(widgets::TextBox* registered, const QString& ownerValue) {
+    if (runtime::trimBlanks(registered->text()) == runtime::trimBlanks(ownerValue)) {
         clearMismatch(registered);
         return;
     }
@@ -24,13 +24,13 @@ void markMismatch(platform::TextBox* registered, const QString& ownerValue) {
         QStringLiteral("border: 2px solid #d0021b; background: #fff0f0;"));
 }
 
-void clearMismatch(platform::TextBox* registered) {
+void clearMismatch(widgets::TextBox* registered) {
     registered->setProperty(kMarked, false);
     registered->setToolTip({});
     registered->editor()->setStyleSheet({});
 }
 
-bool isMarkedMismatch(const platform::TextBox* registered) {
+bool isMarkedMismatch(const widgets::TextBox* registered) {
     return registered->property(kMarked).toBool();
 }
 

@@ -1,13 +1,13 @@
 #include "review/review_form.h"
 
 #include "accounts/register_opener.h"
-#include "platform/ado.h"
-#include "platform/end.h"
-#include "platform/msgbox.h"
+#include "database/ado.h"
 #include "review/mismatch_marks.h"
 #include "review/review_sql.h"
+#include "runtime/end.h"
 #include "session/connection.h"
 #include "session/session_values.h"
+#include "widgets/msgbox.h"
 
 namespace qivo {
 
@@ -26,14 +26,14 @@ void frmQivo账号审核::Form_Load() {
 }
 
 void frmQivo账号审核::Form_Unload() {
-    platform::End();
+    runtime::End();
 }
 
 // A list that cannot be read keeps what it showed, without a message.
 void frmQivo账号审核::LoadPendingList() {
     closePanel();
     try {
-        fillList(review_sql::pendingListQuery(), [this](int row, const platform::Recordset&) {
+        fillList(review_sql::pendingListQuery(), [this](int row, const database::Recordset&) {
             MSFlexGrid1->setTextMatrix(row, kReviewCol, QStringLiteral("审核"));
             MSFlexGrid1->setCol(kReviewCol);
             MSFlexGrid1->setCellForeColor(kBlue);
@@ -68,11 +68,11 @@ void frmQivo账号审核::ShowAccountRow(qint32 row) {
 void frmQivo账号审核::ShowOwner(qint32 ownerId) {
     ownerShown_ = false;
     try {
-        platform::Recordset owner;
+        database::Recordset owner;
         owner.Open(review_sql::ownerQuery(ownerId), Connection::cn());
         if (owner.Eof()) {
             ClearOwnerFields();
-            platform::MsgBox(QStringLiteral("数据错误"), platform::vbOKOnly);
+            widgets::MsgBox(QStringLiteral("数据错误"), widgets::vbOKOnly);
             return;
         }
         fillOwnerFields(owner);
@@ -108,7 +108,7 @@ void frmQivo账号审核::Command1_Click() {
 // the list.
 void frmQivo账号审核::decideOpenedRow(const QString& question,
                                       const std::function<QString(qint32)>& statement) {
-    if (platform::MsgBox(question, platform::vbYesNo) == platform::vbNo) {
+    if (widgets::MsgBox(question, widgets::vbYesNo) == widgets::vbNo) {
         return;
     }
     Connection::cn().Execute(statement(openedRegistration()));
@@ -124,7 +124,7 @@ void frmQivo账号审核::Command4_Click() {
 }
 
 void frmQivo账号审核::Command5_Click() {
-    platform::End();
+    runtime::End();
 }
 
 void frmQivo账号审核::Command6_Click() {

@@ -1,9 +1,9 @@
 #include <QStyle>
 
-#include "platform/error_path.h"
-#include "platform/screen_font.h"
-#include "platform/single_form.h"
 #include "review/review_form.h"
+#include "widgets/error_path.h"
+#include "widgets/screen_font.h"
+#include "widgets/single_form.h"
 
 namespace qivo {
 
@@ -33,8 +33,8 @@ QPushButton* pictureButton(QStyle::StandardPixmap picture, const QString& tip, Q
 
 frmQivo账号审核::frmQivo账号审核(QWidget* parent) : AccountScreen(reviewDesign(), parent) {
     setWindowTitle(QStringLiteral("Qivo账号审核"));
-    setFont(platform::screenFont(font()));
-    platform::setTwipsGeometry(this, {0, 0, 15030, 9000});
+    setFont(widgets::screenFont(font()));
+    widgets::setTwipsGeometry(this, {0, 0, 15030, 9000});
     buildButtons();
     connectEvents();
     setSmallestSize({Label1[0], Command6});
@@ -42,26 +42,26 @@ frmQivo账号审核::frmQivo账号审核(QWidget* parent) : AccountScreen(review
 
 void frmQivo账号审核::buildButtons() {
     Command6 = new QPushButton(QStringLiteral("已审核Qivo账号"), this);
-    platform::setTwipsGeometry(Command6, {6300, 45, 1800, 375});
+    widgets::setTwipsGeometry(Command6, {6300, 45, 1800, 375});
     Command4 = pictureButton(QStyle::SP_BrowserReload, QStringLiteral("刷新"), this);
-    platform::setTwipsGeometry(Command4, {12600, 45, 555, 375});
+    widgets::setTwipsGeometry(Command4, {12600, 45, 555, 375});
     Command5 = pictureButton(QStyle::SP_DialogCloseButton, QStringLiteral("退出"), this);
-    platform::setTwipsGeometry(Command5, {14100, 45, 555, 375});
+    widgets::setTwipsGeometry(Command5, {14100, 45, 555, 375});
 
     addHeading(QStringLiteral("Qivo注册资料"), {300, 600, 4000, 360}, Picture1);
     addHeading(QStringLiteral("业主资料"), {5700, 600, 4000, 360}, Picture1);
     Command3 = new QPushButton(QStringLiteral("审核同意"), Picture1);
-    platform::setTwipsGeometry(Command3, {1400, 4200, 1470, 450});
+    widgets::setTwipsGeometry(Command3, {1400, 4200, 1470, 450});
     Command1 = new QPushButton(QStringLiteral("审核不同意"), Picture1);
-    platform::setTwipsGeometry(Command1, {3100, 4200, 1470, 450});
+    widgets::setTwipsGeometry(Command1, {3100, 4200, 1470, 450});
     Command2 = pictureButton(QStyle::SP_DialogCancelButton, QStringLiteral("关闭"), Picture1);
-    platform::setTwipsGeometry(Command2, {4800, 4200, 555, 450});
+    widgets::setTwipsGeometry(Command2, {4800, 4200, 555, 450});
 }
 
 void frmQivo账号审核::connectEvents() {
-    using platform::onEvent;
-    onEvent(MSFlexGrid1, &platform::FlexGrid::Click, this, [this] { MSFlexGrid1_Click(); });
-    onEvent(MSFlexGrid1, &platform::FlexGrid::DblClick, this, [this] { MSFlexGrid1_DblClick(); });
+    using widgets::onEvent;
+    onEvent(MSFlexGrid1, &widgets::FlexGrid::Click, this, [this] { MSFlexGrid1_Click(); });
+    onEvent(MSFlexGrid1, &widgets::FlexGrid::DblClick, this, [this] { MSFlexGrid1_DblClick(); });
     onEvent(Command1, &QPushButton::clicked, this, [this] { Command1_Click(); });
     onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     onEvent(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
@@ -71,7 +71,7 @@ void frmQivo账号审核::connectEvents() {
 }
 
 frmQivo账号审核& reviewForm() {
-    return platform::singleForm<frmQivo账号审核>();
+    return widgets::singleForm<frmQivo账号审核>();
 }
 
 }  // namespace qivo

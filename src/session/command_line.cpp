@@ -1,6 +1,6 @@
 #include "session/command_line.h"
 
-#include "platform/runtime_error.h"
+#include "runtime/runtime_error.h"
 
 namespace qivo {
 namespace {
@@ -20,8 +20,8 @@ void setCommand(const QString& text) {
 QStringList commandLineFields(const QString& text) {
     const QStringList fields = text.split(u',');
     if (fields.size() < 10) {
-        throw platform::RuntimeError(
-            platform::err::SubscriptOutOfRange,
+        throw runtime::RuntimeError(
+            runtime::err::SubscriptOutOfRange,
             QStringLiteral("启动参数不完整：需要以逗号分隔的十项（工号,姓名,部门编号,部门名称,"
                            "岗位代号,岗位名称,部门类别代号,部门类别名称,岗位类别编号,"
                            "岗位类别名称），收到 %1 项：%2")

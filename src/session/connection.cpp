@@ -1,20 +1,20 @@
 #include "session/connection.h"
 
-#include "platform/msgbox.h"
-#include "platform/runtime_error.h"
-#include "platform/settings.h"
+#include "runtime/runtime_error.h"
+#include "runtime/settings.h"
+#include "widgets/msgbox.h"
 
 namespace qivo::Connection {
 
 bool OpenConnection(QString& userId, QString& password, QString& catalog, QString& dataSource) {
     try {
         ConnectionString = composeConnectionString(userId, password, catalog, dataSource);
-        Cn = std::make_unique<platform::AdoConnection>();
+        Cn = std::make_unique<database::AdoConnection>();
         prepareConnection(*Cn, ConnectionString);
         Cn->Open();
         return true;
-    } catch (const platform::RuntimeError& error) {
-        platform::MsgBox("错误信息：" + error.description(), platform::vbInformation, "信息文本");
+    } catch (const runtime::RuntimeError& error) {
+        widgets::MsgBox("错误信息：" + error.description(), widgets::vbInformation, "信息文本");
         return false;
     }
 }
@@ -26,15 +26,15 @@ QString composeConnectionString(const QString& userId, const QString& password,
            "';Data Source='" + dataSource + "'";
 }
 
-void prepareConnection(platform::AdoConnection& connection, const QString& connectionString) {
+void prepareConnection(database::AdoConnection& connection, const QString& connectionString) {
     connection.ConnectionString = connectionString;
     connection.ConnectionTimeout = 30;
     connection.CommandTimeout = 0;
 }
 
-platform::AdoConnection& cn() {
+database::AdoConnection& cn() {
     if (!Cn) {
-        Cn = std::make_unique<platform::AdoConnection>();
+        Cn = std::make_unique<database::AdoConnection>();
     }
     return *Cn;
 }
@@ -47,11 +47,11 @@ ConnectionSettings readConnectionSettings() {
     const QString app = QStringLiteral("Merivane");
     const QString section = QStringLiteral("DBConfig");
     ConnectionSettings settings;
-    settings.location = platform::settingsLocation(app, section);
-    settings.dataSource = platform::GetSetting(app, section, "Svr");
-    settings.userId = platform::GetSetting(app, section, "UID");
-    settings.password = platform::GetSetting(app, section, "PWD");
-    settings.catalog = platform::GetSetting(app, section, "DBname");
+    settings.location = runtime::settingsLocation(app, section);
+    settings.dataSource = runtime::GetSetting(app, section, "Svr");
+    settings.userId = runtime::GetSetting(app, section, "UID");
+    settings.password = runtime::GetSetting(app, section, "PWD");
+    settings.catalog = runtime::GetSetting(app, section, "DBname");
     return settings;
 }
 
@@ -59,7 +59,7 @@ bool ConnectDatabase() {
     ConnectionSettings settings = readConnectionSettings();
     if (!Connection::OpenConnection(settings.userId, settings.password, settings.catalog,
                                     settings.dataSource)) {
-        platform::MsgBox("数据库连接失败!", platform::vbInformation, "连接提示");
+        widgets::MsgBox("数据库连接失败!", widgets::vbInformation, "连接提示");
         return false;
     }
     return true;

@@ -3,12 +3,12 @@
 #include <QString>
 #include <memory>
 
-#include "platform/ado.h"
+#include "database/ado.h"
 
 namespace qivo::Connection {
 
 // The shared connection, replaced by every OpenConnection and never closed by the program.
-inline std::unique_ptr<platform::AdoConnection> Cn;
+inline std::unique_ptr<database::AdoConnection> Cn;
 
 // The last connection string OpenConnection composed.
 inline QString ConnectionString;
@@ -18,7 +18,7 @@ inline QString ConnectionString;
 bool OpenConnection(QString& userId, QString& password, QString& catalog, QString& dataSource);
 
 // The shared connection; created unopened on first use when nothing has opened one yet.
-platform::AdoConnection& cn();
+database::AdoConnection& cn();
 
 // The connection string OpenConnection composes: values in as they stand.
 QString composeConnectionString(const QString& userId, const QString& password,
@@ -26,7 +26,7 @@ QString composeConnectionString(const QString& userId, const QString& password,
 
 // Gives a new connection the shared connection's string and time-outs (login 30 s, commands
 // without limit), ready to Open.
-void prepareConnection(platform::AdoConnection& connection, const QString& connectionString);
+void prepareConnection(database::AdoConnection& connection, const QString& connectionString);
 
 }  // namespace qivo::Connection
 

@@ -6,18 +6,18 @@
 #include <QListWidget>
 #include <array>
 
-#include "platform/ado.h"
-#include "platform/blanks.h"
-#include "platform/end.h"
-#include "platform/error_path.h"
-#include "platform/msgbox.h"
-#include "platform/runtime_error.h"
-#include "platform/text_box.h"
+#include "database/ado.h"
+#include "runtime/blanks.h"
+#include "runtime/end.h"
+#include "runtime/runtime_error.h"
 #include "session/command_line.h"
 #include "session/connection.h"
 #include "session/login_sql.h"
 #include "session/main_screen.h"
 #include "session/session_values.h"
+#include "widgets/error_path.h"
+#include "widgets/msgbox.h"
+#include "widgets/text_box.h"
 
 namespace qivo {
 namespace {
@@ -82,9 +82,9 @@ void frmLogin::txtPassword_KeyPress(int keyAscii) {
 void frmLogin::cmdOK_Click() {
     try {
         signIn();
-    } catch (const platform::RuntimeError& error) {
-        platform::MsgBox(QString::number(error.number()) + " " + error.description(),
-                         platform::vbInformation);
+    } catch (const runtime::RuntimeError& error) {
+        widgets::MsgBox(QString::number(error.number()) + " " + error.description(),
+                        widgets::vbInformation);
     }
 }
 
@@ -92,11 +92,11 @@ void frmLogin::signIn() {
     const QString user = TxtUser->text();
     const QString password = txtPassword->text();
     if (user.isEmpty()) {
-        platform::MsgBox(QStringLiteral("用户名不能为空!"), platform::vbInformation);
+        widgets::MsgBox(QStringLiteral("用户名不能为空!"), widgets::vbInformation);
         return;
     }
     if (password.isEmpty()) {
-        platform::MsgBox(QStringLiteral("密码不能为空!"), platform::vbInformation);
+        widgets::MsgBox(QStringLiteral("密码不能为空!"), widgets::vbInformation);
         return;
     }
     // The user's name stays as it was: a super-user session approves under the earlier name.
@@ -106,7 +106,7 @@ void frmLogin::signIn() {
         }
     }
     if (!ConnectDatabase()) {
-        platform::End();
+        runtime::End();
         return;
     }
     if (user == QLatin1String("qd") && password == QLatin1String("qorvelantism7315")) {
@@ -118,17 +118,16 @@ void frmLogin::signIn() {
         }
         return;
     }
-    platform::Recordset staff;
-    staff.Open(StaffQuery(user, platform::trimBlanks(password)), Connection::cn());
+    database::Recordset staff;
+    staff.Open(StaffQuery(user, runtime::trimBlanks(password)), Connection::cn());
     if (staff.Eof()) {
-        platform::MsgBox(QStringLiteral("用户名或密码不正确,请重新输入!"), platform::vbInformation);
+        widgets::MsgBox(QStringLiteral("用户名或密码不正确,请重新输入!"), widgets::vbInformation);
         return;
     }
-    platform::Recordset posts;
+    database::Recordset posts;
     posts.Open(PostQuery(user), Connection::cn());
     if (posts.Eof()) {
-        platform::MsgBox(QStringLiteral("对不起，您没有岗位，请选择系统管理员"),
-                         platform::vbOKOnly);
+        widgets::MsgBox(QStringLiteral("对不起，您没有岗位，请选择系统管理员"), widgets::vbOKOnly);
         return;
     }
     listPosts(posts);
@@ -143,8 +142,8 @@ void frmLogin::signIn() {
     List1->setFocus();
 }
 
-void frmLogin::listPosts(platform::Recordset& posts) {
-    using platform::fieldText;
+void frmLogin::listPosts(database::Recordset& posts) {
+    using database::fieldText;
     const QString user = TxtUser->text();
     List1->clear();
     PostChoices.clear();
@@ -165,8 +164,8 @@ void frmLogin::listPosts(platform::Recordset& posts) {
 void frmLogin::List1_DblClick() {
     const int index = List1->currentRow();
     if (index < 0 || index >= static_cast<int>(PostChoices.size())) {
-        throw platform::RuntimeError(platform::err::SubscriptOutOfRange,
-                                     QStringLiteral("下标越界：没有选中的岗位。"));
+        throw runtime::RuntimeError(runtime::err::SubscriptOutOfRange,
+                                    QStringLiteral("下标越界：没有选中的岗位。"));
     }
     const PostChoice& choice = PostChoices[static_cast<std::size_t>(index)];
     const std::array<const QString*, 10> fields = {
@@ -176,7 +175,7 @@ void frmLogin::List1_DblClick() {
         &choice.postCategoryName};
     const auto values = sessionValues();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        *values[i] = platform::trimBlanks(*fields[i]);
+        *values[i] = runtime::trimBlanks(*fields[i]);
     }
     handOver();
 }
@@ -192,15 +191,15 @@ bool frmLogin::eventFilter(QObject* watched, QEvent* event) {
     if (watched == List1 && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            platform::guarded([this] { List1_DblClick(); });
+            widgets::guarded([this] { List1_DblClick(); });
             return true;
         }
     }
-    return platform::Form::eventFilter(watched, event);
+    return widgets::Form::eventFilter(watched, event);
 }
 
 void frmLogin::cmdCancel_Click() {
-    platform::End();
+    runtime::End();
 }
 
 }  // namespace qivo

@@ -3,7 +3,7 @@
 #include <QString>
 #include <vector>
 
-#include "platform/form.h"
+#include "widgets/form.h"
 
 class QLabel;
 class QListWidget;
@@ -11,10 +11,12 @@ class QPushButton;
 
 namespace qivo {
 
-namespace platform {
+namespace database {
 class Recordset;
+}
+namespace widgets {
 class TextBox;
-}  // namespace platform
+}
 
 // One post the signed-in user may choose: the ten session values in their order.
 struct PostChoice {
@@ -32,12 +34,12 @@ struct PostChoice {
 
 // The sign-in form: takes a session from the command line, or signs a member of staff in and
 // lets them choose one of their posts, then hands over to the review screen.
-class frmLogin final : public platform::Form {
+class frmLogin final : public widgets::Form {
   public:
     explicit frmLogin(QWidget* parent = nullptr);
 
-    platform::TextBox* TxtUser;
-    platform::TextBox* txtPassword;
+    widgets::TextBox* TxtUser;
+    widgets::TextBox* txtPassword;
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
     QListWidget* List1;
@@ -63,7 +65,7 @@ class frmLogin final : public platform::Form {
     void buildControls();
     void connectEvents();
     void signIn();
-    void listPosts(platform::Recordset& posts);
+    void listPosts(database::Recordset& posts);
     void handOver();
 };
 

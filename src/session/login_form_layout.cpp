@@ -5,21 +5,21 @@
 #include <QPushButton>
 #include <QStyle>
 
-#include "platform/error_path.h"
-#include "platform/text_box.h"
 #include "session/login_form.h"
+#include "widgets/error_path.h"
+#include "widgets/text_box.h"
 
 namespace qivo {
 
-frmLogin::frmLogin(QWidget* parent) : platform::Form(parent) {
+frmLogin::frmLogin(QWidget* parent) : widgets::Form(parent) {
     setWindowTitle(QStringLiteral("Qivo账号审核 - 用户登录"));
     buildControls();
     connectEvents();
 }
 
 void frmLogin::buildControls() {
-    TxtUser = new platform::TextBox(this);
-    txtPassword = new platform::TextBox(this);
+    TxtUser = new widgets::TextBox(this);
+    txtPassword = new widgets::TextBox(this);
     txtPassword->setPasswordChar(true);
     cmdOK = new QPushButton(style()->standardIcon(QStyle::SP_DialogOkButton),
                             QStringLiteral("登录"), this);
@@ -60,11 +60,11 @@ void frmLogin::buildControls() {
 }
 
 void frmLogin::connectEvents() {
-    using platform::onEvent;
-    onEvent(TxtUser, &platform::TextBox::gotFocus, this, [this] { TxtUser_GotFocus(); });
-    onEvent(txtPassword, &platform::TextBox::gotFocus, this, [this] { txtPassword_GotFocus(); });
-    onEvent(TxtUser, &platform::TextBox::returnPressed, this, [this] { TxtUser_KeyPress(13); });
-    onEvent(txtPassword, &platform::TextBox::returnPressed, this,
+    using widgets::onEvent;
+    onEvent(TxtUser, &widgets::TextBox::gotFocus, this, [this] { TxtUser_GotFocus(); });
+    onEvent(txtPassword, &widgets::TextBox::gotFocus, this, [this] { txtPassword_GotFocus(); });
+    onEvent(TxtUser, &widgets::TextBox::returnPressed, this, [this] { TxtUser_KeyPress(13); });
+    onEvent(txtPassword, &widgets::TextBox::returnPressed, this,
             [this] { txtPassword_KeyPress(13); });
     onEvent(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
     onEvent(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });

@@ -2,11 +2,11 @@
 
 #include <QTest>
 
-#include "platform/flex_grid.h"
+#include "widgets/flex_grid.h"
 
 namespace qivo::test {
 
-QList<qint32> rowKeys(const platform::FlexGrid& grid) {
+QList<qint32> rowKeys(const widgets::FlexGrid& grid) {
     QList<qint32> keys;
     for (int row = 1; row < grid.Rows(); ++row) {
         keys << grid.RowData(row);
@@ -14,11 +14,11 @@ QList<qint32> rowKeys(const platform::FlexGrid& grid) {
     return keys;
 }
 
-void clickCell(platform::FlexGrid& grid, int row, int col) {
+void clickCell(widgets::FlexGrid& grid, int row, int col) {
     QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(row, col).center());
 }
 
-void doubleClickCell(platform::FlexGrid& grid, int row, int col) {
+void doubleClickCell(widgets::FlexGrid& grid, int row, int col) {
     QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(row, col).center());
 }
 

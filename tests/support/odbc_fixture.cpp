@@ -1,6 +1,6 @@
 #include "support/odbc_fixture.h"
 
-#include "platform/settings.h"
+#include "runtime/settings.h"
 #include "session/connection.h"
 
 namespace qivo::test {
@@ -16,10 +16,10 @@ OdbcFixture::OdbcFixture(const std::function<void(FixtureDb&)>& seed) {
 void OdbcFixture::reconnect() {
     QString user = "sa", password = "secret", catalog = "qivo", source = server_->dataSource();
     // As the settings store holds them, for the screens that connect again (sign-in).
-    platform::SaveSetting("Merivane", "DBConfig", "Svr", source);
-    platform::SaveSetting("Merivane", "DBConfig", "UID", user);
-    platform::SaveSetting("Merivane", "DBConfig", "PWD", password);
-    platform::SaveSetting("Merivane", "DBConfig", "DBname", catalog);
+    runtime::SaveSetting("Merivane", "DBConfig", "Svr", source);
+    runtime::SaveSetting("Merivane", "DBConfig", "UID", user);
+    runtime::SaveSetting("Merivane", "DBConfig", "PWD", password);
+    runtime::SaveSetting("Merivane", "DBConfig", "DBname", catalog);
     if (!Connection::OpenConnection(user, password, catalog, source)) {
         qFatal("the stand-in server refused the connection");
     }

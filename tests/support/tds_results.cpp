@@ -7,7 +7,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
-#include "platform/sqlite_engine.h"
+#include "database/sqlite_engine.h"
 #include "support/tds_catalog.h"
 #include "support/tds_code_page.h"
 
@@ -218,7 +218,7 @@ void writeSqliteError(Writer& out, const QString& message) {
         writeError(out, 208, QStringLiteral("Invalid object name '%1'.").arg(message.mid(15)));
     } else if (message.startsWith("no such column: ")) {
         writeError(out, 207, QStringLiteral("Invalid column name '%1'.").arg(message.mid(16)));
-    } else if (message == platform::dateConversionMessage()) {
+    } else if (message == database::dateConversionMessage()) {
         writeError(out, 241,
                    "Conversion failed when converting date and/or time from character string.");
     } else if (message.startsWith("UNIQUE constraint failed")) {
@@ -273,7 +273,7 @@ void writeError(Writer& out, quint32 number, const QString& message) {
 bool runText(sqlite3* db, const QString& text, const Parameters& parameters, bool inProcedure,
              Writer& out) {
     const quint8 done = inProcedure ? kTokenDoneInProc : kTokenDone;
-    const QStringList statements = platform::SqliteEngine(QString()).statements(text);
+    const QStringList statements = database::SqliteEngine(QString()).statements(text);
     for (const QString& statement : statements) {
         if (isSessionSetting(statement)) {
             writeDone(out, done, kDoneMore);

@@ -15,7 +15,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/sqlite_functions.h"
+#include "database/sqlite_functions.h"
 #include "support/tds_catalog.h"
 #include "support/tds_results.h"
 
@@ -110,7 +110,7 @@ class Session {
           calls_(calls),
           mutex_(mutex) {
         sqlite3_open_v2(path.toUtf8().constData(), &db_, SQLITE_OPEN_READWRITE, nullptr);
-        platform::registerSqliteFunctions(db_);
+        database::registerSqliteFunctions(db_);
         addCatalog(db_);
         sqlite3_busy_timeout(db_, 5000);
         // Answers go out at once, as a server's do, not held back for the client's next packet.

@@ -2,22 +2,22 @@
 
 #include <QFile>
 
+#include "database/ado.h"
 #include "db/schema.h"
-#include "platform/ado.h"
-#include "platform/end.h"
-#include "platform/settings.h"
+#include "runtime/end.h"
+#include "runtime/settings.h"
 #include "session/connection.h"
 
 namespace qivo::test {
 
 MsgBoxRecorder::MsgBoxRecorder() {
-    platform::setMsgBoxResponder([this](const platform::MsgBoxRequest& request) {
+    widgets::setMsgBoxResponder([this](const widgets::MsgBoxRequest& request) {
         messages.append(request);
-        if ((request.style & 0xF) != platform::vbYesNo) {
-            return platform::vbOK;
+        if ((request.style & 0xF) != widgets::vbYesNo) {
+            return widgets::vbOK;
         }
         if (replies_.empty()) {
-            return platform::vbYes;
+            return widgets::vbYes;
         }
         const int reply = replies_.front();
         replies_.pop_front();
@@ -26,7 +26,7 @@ MsgBoxRecorder::MsgBoxRecorder() {
 }
 
 MsgBoxRecorder::~MsgBoxRecorder() {
-    platform::setMsgBoxResponder({});
+    widgets::setMsgBoxResponder({});
 }
 
 QStringList MsgBoxRecorder::prompts() const {
@@ -38,16 +38,16 @@ QStringList MsgBoxRecorder::prompts() const {
 }
 
 EndRecorder::EndRecorder() {
-    platform::setEndHandler([this] { ++count; });
+    runtime::setEndHandler([this] { ++count; });
 }
 
 EndRecorder::~EndRecorder() {
-    platform::setEndHandler({});
+    runtime::setEndHandler({});
 }
 
 FixtureDb::FixtureDb() : path_(dir_.filePath("fixture.db")) {
     QFile(path_).open(QIODevice::WriteOnly);  // an empty file is an empty database
-    platform::SaveSetting("Merivane", "DBConfig", "Svr", dataSource());
+    runtime::SaveSetting("Merivane", "DBConfig", "Svr", dataSource());
     QString userId, password, catalog, source = dataSource();
     if (!Connection::OpenConnection(userId, password, catalog, source)) {
         qFatal("fixture database could not be opened");
@@ -60,7 +60,7 @@ void FixtureDb::exec(const QString& sql) {
 }
 
 QVariant FixtureDb::scalar(const QString& sql) {
-    platform::Recordset rs;
+    database::Recordset rs;
     rs.Open(sql, Connection::cn());
     if (rs.Eof()) {
         return {};

@@ -7,8 +7,8 @@
 #include <QVariant>
 #include <deque>
 
-#include "platform/error_path.h"
-#include "platform/msgbox.h"
+#include "widgets/error_path.h"
+#include "widgets/msgbox.h"
 
 namespace qivo::test {
 
@@ -19,7 +19,7 @@ class MsgBoxRecorder {
     MsgBoxRecorder();
     ~MsgBoxRecorder();
     void answer(int reply) { replies_.push_back(reply); }
-    QList<platform::MsgBoxRequest> messages;
+    QList<widgets::MsgBoxRequest> messages;
     QStringList prompts() const;
 
   private:
@@ -58,7 +58,7 @@ class FixtureDb {
     int main(int argc, char** argv) {                                  \
         QTemporaryDir settingsHome;                                    \
         qputenv("XDG_CONFIG_HOME", settingsHome.path().toLocal8Bit()); \
-        qivo::platform::Application app(argc, argv);                   \
+        qivo::widgets::Application app(argc, argv);                    \
         TestClass test;                                                \
         QTEST_SET_MAIN_SOURCE_PATH                                     \
         return QTest::qExec(&test, argc, argv);                        \

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QHash>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <array>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class QSqlQuery;
+
+namespace qivo::database {
+
+class Engine;
+class RowCursor;
+
+enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1 };
+enum LockType { adLockReadOnly = 1, adLockOptimistic = 3 };
+
+// The one database session. The data source decides the engine: "sqlite:PATH" is the embedded
+// SQLite file PATH, anything else a SQL Server reached over ODBC. Errors are runtime::RuntimeError.
+class AdoConnection final {
+  public:
+    AdoConnection();
+    ~AdoConnection();
+    AdoConnection(const AdoConnection&) = delete;
+    AdoConnection& operator=(const AdoConnection&) = delete;
+
+    QString ConnectionString;
+    int ConnectionTimeout = 15;  // seconds, for the login
+    int CommandTimeout = 30;     // seconds, 0 = no limit
+
+    void Open();
+    bool isOpen() const;
+
+    // Runs a command text; several statements separated by white space run in order, as one
+    // transaction: a failing statement leaves nothing of the batch behind.
+    void Execute(const QString& sql);
+
+    // For Recordset and the tests of the engines.
+    const Engine& engine() const;
+    QSqlDatabase database() const;
+
+  private:
+    void requireOpen() const;
+
+    std::unique_ptr<Engine> engine_;
+    QString name_;
+};
+
+// A record set over one query. Forward-only read-only sets are for display; keyset optimistic
+// sets select one row of one table (or none, for AddNew) and write back on Update with one
+// parameterised INSERT or UPDATE, then read the stored row back.
+class Recordset final {
+  public:
+    Recordset();
+    ~Recordset();
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+
+    void Open(const QString& sql, AdoConnection& connection, CursorType cursor = adOpenForwardOnly,
+              LockType lock = adLockReadOnly);
+
+    // EOF is a macro of the C library, so the end test is spelled Eof().
+    bool Eof() const;
+    void MoveNext();
+
+    // The current record's value of a field, found by name whatever its case ("Zh_id" finds
+    // ZH_ID). Null is a null QVariant. A missing field is runtime::RuntimeError ItemNotFound.
+    QVariant Fields(const QString& name) const;
+    int fieldCount() const { return static_cast<int>(names_.size()); }
+    QVariant field(int index) const;  // by position, for tools and tests
+    // What fieldText(Fields(name)) gives, as the engine's own UTF-8 bytes where a read-only set's
+    // engine holds the field as text or Null; valid until the record moves. Otherwise nothing.
+    std::optional<QByteArrayView> fieldUtf8(const QString& name) const;
+
+    void AddNew();
+    void setField(const QString& name, const QVariant& value);  // null QVariant writes Null
+    void Update();
+
+  private:
+    int fieldIndex(const QString& name) const;
+    int lookUpField(const QString& name) const;
+    void fetchNext();
+    void requireRecord() const;
+    void readBack(const QString& keyColumn, const QVariant& key);
+
+    AdoConnection* connection_ = nullptr;
+    std::unique_ptr<RowCursor> cursor_;
+    QStringList names_;
+    const QVariant& valueAt(int index) const;
+
+    QHash<QString, int> exactIndex_;  // name as the database spells it -> column
+    QHash<QString, int> index_;       // lower-case name -> column
+    struct RecentName {
+        QString name;
+        int index = -1;
+    };
+    mutable std::array<RecentName, 16> recent_{};
+    mutable std::size_t nextRecent_ = 0;
+    // A read-only set converts a column of the current record when it is first read.
+    mutable std::vector<QVariant> values_;
+    mutable std::vector<char> loaded_;
+    std::vector<bool> dirty_;
+    std::vector<bool> dates_;  // columns the database declares as dates
+    bool eof_ = true;
+    bool updatable_ = false;
+    bool adding_ = false;
+    QString table_;
+};
+
+// The text a field shows: empty for Null, dates as yyyy-mm-dd (with the time when it has one).
+QString fieldText(const QVariant& value);
+
+// The same, but Null is runtime::RuntimeError InvalidUseOfNull (a value shown without a null
+// guard).
+QString requireText(const QVariant& value);
+
+}  // namespace qivo::database

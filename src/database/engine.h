@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QMap>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <memory>
+
+class QSqlQuery;
+
+namespace qivo::database {
+
+class RowCursor;
+
+// The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
+// with their single quotes removed; a value may hold ';' (see engine.cpp).
+QMap<QString, QString> parseConnectionString(const QString& connectionString);
+
+// What differs between the two database engines.
+class Engine {
+  public:
+    virtual ~Engine() = default;
+
+    // Opens the database under the given Qt connection name; throws runtime::RuntimeError on
+    // failure.
+    virtual QSqlDatabase open(const QString& name, const QMap<QString, QString>& parts,
+                              int loginTimeout) const = 0;
+
+    // The statements to run for one command text, in order, in this engine's dialect.
+    virtual QStringList statements(const QString& sql) const = 0;
+
+    // The identity column of a table, for writing back and reading back a saved row.
+    virtual QString identityColumn(QSqlDatabase& db, const QString& table) const = 0;
+
+    // Runs a prepared INSERT (columns bound in order) and returns the identity it assigned.
+    virtual QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                               const QVariantList& values) const = 0;
+
+    // Sets the given columns of the row whose key column holds key.
+    virtual void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                           const QVariantList& values, const QString& keyColumn,
+                           const QVariant& key) const = 0;
+
+    // Runs a command's statements in order; more than one run as one transaction.
+    virtual void execute(QSqlDatabase& db, const QStringList& statements) const = 0;
+
+    // The value to send for text typed into a date column.
+    virtual QVariant dateValue(const QVariant& typed) const { return typed; }
+
+    virtual QString quoteName(const QString& name) const = 0;
+    // Runs one query for reading its rows in order.
+    virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const = 0;
+
+    // Throws when the database can no longer be reached by this connection.
+    virtual void checkReachable() const {}
+
+  protected:
+    // "update <table> set <column> = ?, ... where <key column> = ?" in this engine's quoting.
+    QString updateStatement(const QString& table, const QStringList& columns,
+                            const QString& keyColumn) const;
+};
+
+// "sqlite:PATH" is the embedded engine, anything else SQL Server over ODBC.
+bool isEmbedded(const QString& dataSource);
+std::unique_ptr<Engine> engineFor(const QString& dataSource);
+
+// Turns a failed Qt SQL call into the runtime::RuntimeError the screens see.
+[[noreturn]] void throwSqlError(const class QSqlError& error);
+
+}  // namespace qivo::database

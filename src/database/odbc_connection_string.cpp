@@ -1,0 +1,93 @@
+#include "database/odbc_connection_string.h"
+
+#include <QDir>
+#include <QSettings>
+
+namespace qivo::database {
+namespace {
+
+QString odbcValue(const QString& value) {
+    static const QString separators = QStringLiteral(";{}=");
+    const bool braced =
+        std::any_of(value.begin(), value.end(), [](QChar c) { return separators.contains(c); }) ||
+        (!value.isEmpty() && (value.front().isSpace() || value.back().isSpace()));
+    return braced ? u'{' + QString(value).replace(u'}', QStringLiteral("}}")) + u'}' : value;
+}
+
+struct ServerAndPort {
+    QString server;
+    QString port;
+};
+
+// FreeTDS reads the port from a key of its own. With a port the instance name is not needed
+// (SQL Server's own clients ignore it then); without one FreeTDS asks the server's browser.
+ServerAndPort freeTdsServer(const QString& dataSource) {
+    const qsizetype comma = dataSource.lastIndexOf(u',');
+    if (comma >= 0) {
+        const QString host = dataSource.left(comma);
+        return {host.left(host.indexOf(u'\\') >= 0 ? host.indexOf(u'\\') : host.size()),
+                dataSource.mid(comma + 1).trimmed()};
+    }
+    if (dataSource.contains(u'\\')) {
+        return {dataSource, {}};
+    }
+    return {dataSource, QStringLiteral("1433")};
+}
+
+}  // namespace
+
+QStringList installedDrivers() {
+#ifdef Q_OS_WIN
+    QSettings registry(
+        QStringLiteral("HKEY_LOCAL_MACHINE\\SOFTWARE\\ODBC\\ODBCINST.INI\\ODBC Drivers"),
+        QSettings::NativeFormat);
+    return registry.childKeys();
+#else
+    const QString dir = qEnvironmentVariable("ODBCSYSINI", QStringLiteral("/etc"));
+    return QSettings(QDir(dir).filePath(QStringLiteral("odbcinst.ini")), QSettings::IniFormat)
+        .childGroups();
+#endif
+}
+
+QString odbcDriverName() {
+    const QString fromEnvironment = qEnvironmentVariable("QIVO_ODBC_DRIVER");
+    if (!fromEnvironment.isEmpty()) {
+        return fromEnvironment;
+    }
+    const QStringList installed = installedDrivers();
+    for (const char* preferred : {"ODBC Driver 18 for SQL Server", "ODBC Driver 17 for SQL Server",
+                                  "SQL Server", "FreeTDS"}) {
+        if (installed.contains(QLatin1String(preferred))) {
+            return QLatin1String(preferred);
+        }
+    }
+#ifdef Q_OS_WIN
+    return QStringLiteral("SQL Server");
+#else
+    return QStringLiteral("FreeTDS");
+#endif
+}
+
+QString odbcConnectionString(const QMap<QString, QString>& parts, const QString& driver) {
+    const QString dataSource = parts.value(QStringLiteral("data source"));
+    const bool freeTds = driver.contains(QLatin1String("FreeTDS"), Qt::CaseInsensitive);
+    const ServerAndPort target =
+        freeTds ? freeTdsServer(dataSource) : ServerAndPort{dataSource, {}};
+    QString result = QStringLiteral("DRIVER={%1};SERVER=%2;").arg(driver, odbcValue(target.server));
+    if (!target.port.isEmpty()) {
+        result += QStringLiteral("Port=%1;").arg(odbcValue(target.port));
+    }
+    if (freeTds) {
+        result += QStringLiteral("TDS_Version=7.3;ClientCharset=UTF-8;");
+    }
+    result += QStringLiteral("DATABASE=%1;UID=%2;PWD=%3;")
+                  .arg(odbcValue(parts.value(QStringLiteral("initial catalog"))),
+                       odbcValue(parts.value(QStringLiteral("user id"))),
+                       odbcValue(parts.value(QStringLiteral("password"))));
+    if (driver.contains(QLatin1String("Driver 18"))) {
+        result += QStringLiteral("TrustServerCertificate=yes;");
+    }
+    return result;
+}
+
+}  // namespace qivo::database

@@ -1,0 +1,114 @@
+#include "database/odbc_engine.h"
+
+#include <QSqlDriver>
+#include <QSqlError>
+
+#include "database/dates.h"
+#include "database/odbc_connection_string.h"
+#include "database/odbc_statement.h"
+#include "database/row_cursor.h"
+#include "database/sql_text.h"
+#include "runtime/runtime_error.h"
+
+namespace qivo::database {
+
+QSqlDatabase OdbcEngine::open(const QString& name, const QMap<QString, QString>& parts,
+                              int loginTimeout) const {
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
+    if (!db.isValid()) {
+        throw runtime::RuntimeError(runtime::err::ProviderError,
+                                    QStringLiteral("未安装 ODBC 数据库驱动。"));
+    }
+    db.setDatabaseName(odbcConnectionString(parts, odbcDriverName()));
+    db.setConnectOptions(QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=%1").arg(loginTimeout));
+    if (!db.open()) {
+        throwSqlError(db.lastError());
+    }
+    return db;
+}
+
+QStringList OdbcEngine::statements(const QString& sql) const {
+    return splitStatements(sql);
+}
+
+namespace {
+
+// The ODBC connection handle under Qt's connection: statements go straight to it.
+void* connectionHandle(QSqlDatabase& db) {
+    const QVariant handle = db.driver()->handle();
+    return *static_cast<void* const*>(handle.constData());
+}
+
+}  // namespace
+
+std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& sql) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(sql);
+    return std::make_unique<OdbcCursor>(statement.readAll());
+}
+
+void OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+    if (statements.size() == 1) {
+        OdbcStatement statement(connectionHandle(db));
+        statement.execute(statements.front());
+        statement.readAll();
+        return;
+    }
+    runInTransaction(connectionHandle(db), statements);
+}
+
+QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(
+        QStringLiteral("select name from sys.identity_columns where object_id = object_id(?)"),
+        {table});
+    const OdbcRows rows = statement.readAll();
+    return rows.rows.empty() ? QString() : rows.rows.front().value(0).toString();
+}
+
+QVariant OdbcEngine::insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                               const QVariantList& values) const {
+    QStringList names;
+    for (const QString& column : columns) {
+        names << quoteName(column);
+    }
+    // The identity is read in the same batch: SCOPE_IDENTITY is not affected by triggers.
+    const QString insert =
+        columns.isEmpty() ? QStringLiteral("insert into %1 default values").arg(quoteName(table))
+                          : QStringLiteral("insert into %1 (%2) values (%3)")
+                                .arg(quoteName(table), names.join(u','),
+                                     QStringList(columns.size(), QStringLiteral("?")).join(u','));
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(
+        QStringLiteral("set nocount on; %1; select cast(scope_identity() as int)").arg(insert),
+        values);
+    const OdbcRows rows = statement.readAll();
+    return rows.rows.empty() ? QVariant() : rows.rows.front().value(0);
+}
+
+void OdbcEngine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                           const QVariantList& values, const QString& keyColumn,
+                           const QVariant& key) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(updateStatement(table, columns, keyColumn), values + QVariantList{key});
+    statement.readAll();
+}
+
+// Typed dates go out as yyyymmdd, which SQL Server reads the same under every login language;
+// other text goes unchanged, so the server still refuses what is not a date.
+QVariant OdbcEngine::dateValue(const QVariant& typed) const {
+    if (typed.typeId() != QMetaType::QString) {
+        return typed;
+    }
+    const std::optional<QString> iso = normalizeDate(typed.toString());
+    if (!iso) {
+        return typed;
+    }
+    return QString(*iso).remove(u'-');
+}
+
+QString OdbcEngine::quoteName(const QString& name) const {
+    return u'[' + QString(name).replace(u']', QStringLiteral("]]")) + u']';
+}
+
+}  // namespace qivo::database

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "database/engine.h"
+
+namespace qivo::database {
+
+// SQL Server over ODBC: statements go out as the program wrote them, straight through the ODBC
+// API on the connection Qt opened, each statement read to its end and released at once.
+class OdbcEngine final : public Engine {
+  public:
+    QSqlDatabase open(const QString& name, const QMap<QString, QString>& parts,
+                      int loginTimeout) const override;
+    QStringList statements(const QString& sql) const override;
+    QString identityColumn(QSqlDatabase& db, const QString& table) const override;
+    QVariant insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                       const QVariantList& values) const override;
+    void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
+                   const QVariantList& values, const QString& keyColumn,
+                   const QVariant& key) const override;
+    void execute(QSqlDatabase& db, const QStringList& statements) const override;
+    QVariant dateValue(const QVariant& typed) const override;
+    QString quoteName(const QString& name) const override;
+    std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
+};
+
+}  // namespace qivo::database

@@ -1,0 +1,142 @@
+#include "database/sqlite_functions.h"
+
+#include <sqlite3.h>
+
+#include <QCollator>
+#include <QLocale>
+#include <QString>
+#include <algorithm>
+#include <array>
+
+#include "database/dates.h"
+#include "database/sqlite_engine.h"
+
+namespace qivo::database {
+namespace {
+
+const QCollator& pinyinCollator() {
+    static const QCollator collator = [] {
+        QCollator c(QLocale(QLocale::Chinese, QLocale::China));
+        c.setCaseSensitivity(Qt::CaseInsensitive);
+        return c;
+    }();
+    return collator;
+}
+
+// Weights that order single ASCII characters as the collator does (punctuation, digits,
+// letters; case folded), so the ASCII fast path agrees with the slow path.
+const std::array<int, 128>& asciiWeights() {
+    static const std::array<int, 128> weights = [] {
+        std::array<int, 128> w{};
+        std::array<char, 128> chars{};
+        for (int c = 0; c < 128; ++c) {
+            chars[c] = static_cast<char>(c);
+        }
+        const QCollator& collator = pinyinCollator();
+        std::stable_sort(chars.begin() + 32, chars.begin() + 127, [&](char x, char y) {
+            return collator.compare(QString(QLatin1Char(x)), QString(QLatin1Char(y))) < 0;
+        });
+        int rank = 0;
+        for (int i = 32; i < 127; ++i) {
+            if (i > 32 && collator.compare(QString(QLatin1Char(chars[i - 1])),
+                                           QString(QLatin1Char(chars[i]))) != 0) {
+                ++rank;
+            }
+            w[static_cast<unsigned char>(chars[i])] = rank + 32;
+        }
+        for (int c = 0; c < 32; ++c) {
+            w[c] = c;
+        }
+        w[127] = 127 + 128;
+        return w;
+    }();
+    return weights;
+}
+
+int trimmedLength(const char* text, int length) {
+    while (length > 0 && text[length - 1] == ' ') {
+        --length;
+    }
+    return length;
+}
+
+bool isAscii(const char* text, int length) {
+    for (int i = 0; i < length; ++i) {
+        if (static_cast<unsigned char>(text[i]) >= 0x80) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int collationCallback(void*, int lengthA, const void* a, int lengthB, const void* b) {
+    return compareText(static_cast<const char*>(a), lengthA, static_cast<const char*>(b), lengthB);
+}
+
+void lenFunction(sqlite3_context* context, int, sqlite3_value** argv) {
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const int length = trimmedLength(text, sqlite3_value_bytes(argv[0]));
+    int characters = 0;
+    for (int i = 0; i < length; ++i) {
+        characters += (static_cast<unsigned char>(text[i]) & 0xC0) != 0x80;
+    }
+    sqlite3_result_int(context, characters);
+}
+
+void dateFunction(sqlite3_context* context, int, sqlite3_value** argv) {
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const std::optional<QString> iso =
+        normalizeDate(QString::fromUtf8(text, sqlite3_value_bytes(argv[0])));
+    if (!iso) {
+        const QByteArray message = dateConversionMessage().toUtf8();
+        sqlite3_result_error(context, message.constData(), static_cast<int>(message.size()));
+        return;
+    }
+    const QByteArray value = iso->toUtf8();
+    sqlite3_result_text(context, value.constData(), static_cast<int>(value.size()),
+                        SQLITE_TRANSIENT);
+}
+
+}  // namespace
+
+int compareText(const char* a, int lengthA, const char* b, int lengthB) {
+    lengthA = trimmedLength(a, lengthA);
+    lengthB = trimmedLength(b, lengthB);
+    if (lengthA == lengthB && std::equal(a, a + lengthA, b)) {
+        return 0;
+    }
+    if (isAscii(a, lengthA) && isAscii(b, lengthB)) {
+        const auto& weights = asciiWeights();
+        const int common = std::min(lengthA, lengthB);
+        for (int i = 0; i < common; ++i) {
+            const int wa = weights[static_cast<unsigned char>(a[i])];
+            const int wb = weights[static_cast<unsigned char>(b[i])];
+            if (wa != wb) {
+                return wa < wb ? -1 : 1;
+            }
+        }
+        return lengthA == lengthB ? 0 : (lengthA < lengthB ? -1 : 1);
+    }
+    return pinyinCollator().compare(QString::fromUtf8(a, lengthA), QString::fromUtf8(b, lengthB));
+}
+
+bool registerSqliteFunctions(sqlite3* handle) {
+    asciiWeights();
+    const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+    return sqlite3_create_collation_v2(handle, kTextCollation, SQLITE_UTF8, nullptr,
+                                       collationCallback, nullptr) == SQLITE_OK &&
+           sqlite3_create_function_v2(handle, "len", 1, flags, nullptr, lenFunction, nullptr,
+                                      nullptr, nullptr) == SQLITE_OK &&
+           sqlite3_create_function_v2(handle, "qivo_date", 1, flags, nullptr, dateFunction, nullptr,
+                                      nullptr, nullptr) == SQLITE_OK;
+}
+
+}  // namespace qivo::database

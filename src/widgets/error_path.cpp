@@ -1,0 +1,38 @@
+#include "widgets/error_path.h"
+
+#include "runtime/runtime_error.h"
+#include "widgets/msgbox.h"
+
+namespace qivo::widgets {
+
+namespace {
+
+void showError(const QString& heading, const QString& description) {
+    MsgBox(heading + QStringLiteral(":\n\n") + description, vbCritical);
+}
+
+}  // namespace
+
+void reportError(const std::exception& error) {
+    if (const auto* runtime = dynamic_cast<const runtime::RuntimeError*>(&error)) {
+        showError(QStringLiteral("运行时错误 '%1'").arg(runtime->number()), runtime->description());
+    } else {
+        // Errors from the libraries carry no error number, only their text.
+        showError(QStringLiteral("运行时错误"), QString::fromUtf8(error.what()));
+    }
+}
+
+Application::Application(int& argc, char** argv) : QApplication(argc, argv) {}
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::exception& error) {
+        reportError(error);
+    } catch (...) {
+        showError(QStringLiteral("运行时错误"), QStringLiteral("未知错误"));
+    }
+    return false;
+}
+
+}  // namespace qivo::widgets

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <QString>
+#include <QTableView>
+#include <QUtf8StringView>
+#include <memory>
+#include <vector>
+
+class QStyledItemDelegate;
+
+namespace qivo::widgets {
+
+class FlexGridModel;
+
+// Cell alignment codes of the flex grid.
+constexpr int flexAlignLeftCenter = 1;
+constexpr int flexAlignCenterCenter = 4;
+constexpr int flexAlignRightCenter = 7;
+
+// The flexible grid: row 0 is the header row, rows 1 .. Rows()-1 hold data. Colours are BGR
+// integers (0xFF0000 is blue); a cell without a colour of its own reads back as 0.
+// While the grid is hidden, writes emit no per-cell signals; showing it resets the view once.
+// Click is the left button released over a cell, DblClick its double-click; other buttons do
+// nothing.
+class FlexGrid final : public QTableView {
+    Q_OBJECT
+  public:
+    explicit FlexGrid(QWidget* parent = nullptr);
+    ~FlexGrid() override;
+
+    int Rows() const;
+    void setRows(int rows);
+    int Cols() const;
+    void setCols(int cols);
+
+    int Row() const { return row_; }
+    void setRow(int row);
+    int Col() const { return col_; }
+    void setCol(int col);
+    int ColSel() const { return colSel_; }
+    void setColSel(int col);
+    // Columns 0 .. FixedCols()-1 are drawn grey like the header and never become current.
+    int FixedCols() const { return fixedCols_; }
+    void setFixedCols(int cols);
+
+    QString TextMatrix(int row, int col) const;
+    void setTextMatrix(int row, int col, const QString& text);
+    // The same for text that is already UTF-8, as a database hands it over: kept as it is.
+    void setTextMatrixUtf8(int row, int col, QUtf8StringView text);
+    qint32 RowData(int row) const;
+    void setRowData(int row, qint32 value);
+
+    int ColWidth(int col) const;  // twips
+    void setColWidth(int col, int twips);
+    int ColAlignment(int col) const;
+    void setColAlignment(int col, int code);
+    int ColAlignmentFixed(int col) const;
+    void setColAlignmentFixed(int col, int code);
+
+    void setCellForeColor(quint32 bgr);  // the current cell (Row, Col)
+    void setCellBackColor(quint32 bgr);
+    quint32 cellForeColor(int row, int col) const;
+    quint32 cellBackColor(int row, int col) const;
+
+    void RemoveItem(int row);
+
+    QString FormatString() const { return formatString_; }
+    // "<序    |<项目名称   |^操作 |": columns, header texts, data alignments ('<' left,
+    // '^' centre, '>' right) and initial widths from the header text's width, blanks included;
+    // widths still at that value follow later font changes.
+    // A trailing '|' adds a last untitled column.
+    void setFormatString(const QString& format);
+
+    // Data rows with a shown cell (of a column wider than 0) that contains `text`; Latin letters
+    // match in either case.
+    std::vector<int> rowsContaining(const QString& text) const;
+    // Scrolls the list so that the row is in view, without moving the current cell.
+    void showRow(int row);
+
+    // The visual rectangle of a cell (row 0 is the header), for tests that click like a user.
+    QRect cellRect(int row, int col) const;
+
+  Q_SIGNALS:
+    void Click();
+    void DblClick();
+    void KeyPress(int keyAscii);  // Enter (13); Escape is left to the window
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+  private:
+    void checkCell(int row,
+                   int col) const;  // throws runtime::RuntimeError 381 for a cell outside the grid
+    void moveTo(int row, int col);
+    int userColumn(int col) const;
+    void updateSelection();
+    int defaultWidthTwips() const;
+    int formatWidthTwips(const QString& segment) const;
+    void refitFormatWidths();
+    void applyColumnWidth(int col);
+    void applyColumnWidths();
+    void rememberUserWidth(int col, int pixels);
+
+    std::unique_ptr<FlexGridModel> model_;
+    QString formatString_;
+    std::vector<int> widths_;        // twips; 0 hides the column
+    std::vector<int> formatWidths_;  // twips, as the format string gave them
+    bool applyingWidths_ = false;
+    int row_ = 0;
+    int col_ = 0;
+    int colSel_ = 0;
+    int fixedCols_ = 0;
+    QStyledItemDelegate* fixedLook_ = nullptr;
+    bool pressed_ = false;  // a left press on a cell that its release will make a Click
+};
+
+}  // namespace qivo::widgets

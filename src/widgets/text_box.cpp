@@ -1,0 +1,90 @@
+#include "widgets/text_box.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextCursor>
+
+namespace qivo::widgets {
+
+TextBox::TextBox(QWidget* parent, bool multiLine) : QWidget(parent) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    if (multiLine) {
+        plain_ = new QPlainTextEdit(this);
+        plain_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+        // Tab moves on to the next control, as from every other box.
+        plain_->setTabChangesFocus(true);
+        connect(plain_, &QPlainTextEdit::textChanged, this, &TextBox::changed);
+    } else {
+        line_ = new QLineEdit(this);
+        connect(line_, &QLineEdit::returnPressed, this, &TextBox::returnPressed);
+        connect(line_, &QLineEdit::textChanged, this, &TextBox::changed);
+    }
+    layout->addWidget(editor());
+    editor()->installEventFilter(this);
+    setFocusProxy(editor());
+}
+
+QWidget* TextBox::editor() const {
+    return line_ != nullptr ? static_cast<QWidget*>(line_) : plain_;
+}
+
+QString TextBox::text() const {
+    return line_ != nullptr ? line_->text() : plain_->toPlainText();
+}
+
+void TextBox::setText(const QString& text) {
+    if (line_ != nullptr) {
+        line_->setText(text);
+    } else {
+        plain_->setPlainText(text);
+    }
+}
+
+void TextBox::setReadOnly(bool readOnly) {
+    if (line_ != nullptr) {
+        line_->setReadOnly(readOnly);
+    } else {
+        plain_->setReadOnly(readOnly);
+    }
+}
+
+void TextBox::setPasswordChar(bool on) {
+    if (line_ != nullptr) {
+        line_->setEchoMode(on ? QLineEdit::Password : QLineEdit::Normal);
+    }
+}
+
+void TextBox::selectAll() {
+    if (line_ != nullptr) {
+        line_->selectAll();
+    } else {
+        plain_->selectAll();
+    }
+}
+
+int TextBox::selStart() const {
+    if (line_ != nullptr) {
+        return line_->hasSelectedText() ? line_->selectionStart() : line_->cursorPosition();
+    }
+    return plain_->textCursor().selectionStart();
+}
+
+int TextBox::selLength() const {
+    if (line_ != nullptr) {
+        return line_->selectionLength();
+    }
+    const QTextCursor cursor = plain_->textCursor();
+    return cursor.selectionEnd() - cursor.selectionStart();
+}
+
+bool TextBox::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == editor() && event->type() == QEvent::FocusIn) {
+        Q_EMIT gotFocus();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace qivo::widgets

@@ -1,0 +1,235 @@
+// Record sets and commands on SQL Server, through FreeTDS's ODBC driver to the stand-in server.
+#include "database/ado.h"
+#include "database/engine.h"
+#include "database/odbc_connection_string.h"
+#include "runtime/runtime_error.h"
+#include "session/connection.h"
+#include "support/odbc_fixture.h"
+
+using namespace qivo;
+using database::Recordset;
+
+namespace {
+
+QString text(const QString& sql) {
+    Recordset rs;
+    rs.Open(sql, Connection::cn());
+    return rs.Eof() ? QStringLiteral("<none>") : database::fieldText(rs.field(0));
+}
+
+}  // namespace
+
+class OdbcRecordsTest final : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void initTestCase() { QVERIFY(test::useFreeTds()); }
+
+    // SQL Server serves one statement at a time per connection: a set whose rows are not all
+    // read must not hold it.
+    void setsStayOpenSideBySide() {
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            db.exec("insert into 员工档案 (工号, 姓名) values ('1001', '王丽'), ('1002', '李强')");
+        });
+        Recordset staff;
+        staff.Open("select 工号 from 员工档案 order by 工号", Connection::cn());
+        Recordset other;
+        other.Open("select 姓名 from 员工档案 where 工号 = '1002'", Connection::cn());
+        odbc.db.exec("update 员工档案 set 姓名 = '李强强' where 工号 = '1002'");
+        QCOMPARE(other.Fields("姓名").toString(), QString("李强"));
+        staff.MoveNext();
+        QCOMPARE(staff.Fields("工号").toString(), QString("1002"));
+        QCOMPARE(text("select 姓名 from 员工档案 where 工号 = '1002'"), QString("李强强"));
+    }
+
+    // Text read and written back whole: Chinese filling varchar of code page 936 and nvarchar,
+    // a character outside that code page, a value longer than any one read.
+    void textTravelsWhole_data() {
+        QTest::addColumn<QString>("column");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("varchar(8) filled") << "姓名"
+                                           << "欧阳建国";
+        QTest::newRow("varchar(8000), 3000 characters") << "备注" << test::chineseText(3000);
+        QTest::newRow("nvarchar(10) filled") << "说明"
+                                             << "新进户新进户新进户新";
+        QTest::newRow("outside GBK, nvarchar") << "说明" << QString::fromUtf8("龚\u4DAE");
+        QTest::newRow("empty") << "备注"
+                               << "";
+    }
+    void textTravelsWhole() {
+        QFETCH(QString, column);
+        QFETCH(QString, value);
+        test::OdbcFixture odbc([&](test::FixtureDb& db) {
+            db.exec("insert into 业主表 (ZH_ID, " + column + ") values (1, '" + value + "')");
+        });
+        const QString select = "Select ZH_ID, " + column + " From 业主表 Where ZH_ID=1";
+        QCOMPARE(text("Select " + column + " From 业主表"), value);
+        Recordset owner;
+        owner.Open(select, Connection::cn(), database::adOpenKeyset, database::adLockOptimistic);
+        owner.setField(column, value);
+        owner.Update();
+        QCOMPARE(owner.Fields(column).toString(), value);
+        QVERIFY(!owner.Fields(column).isNull());
+        QCOMPARE(odbc.db.count("select len(" + column + ") from 业主表"), value.size());
+    }
+
+    // A new row's key comes back from its own insert; empty text, Null and typed dates reach
+    // their columns as written, whatever date order the login reads.
+    void savesKeepKeyTextsNullsAndDates() {
+        test::OdbcFixture odbc;
+        odbc.server().setDayFirstLogins(true);
+        odbc.reconnect();
+        const qsizetype callsBefore = odbc.server().procedureCalls().size();
+        Recordset owner;
+        owner.Open(
+            "Select ZH_ID, S_ID, 姓名, 进户日期, 收楼日期, 备注, 移动电话, 短信, 说明 "
+            "From 业主表 Where ZH_ID=0",
+            Connection::cn(), database::adOpenKeyset, database::adLockOptimistic);
+        owner.AddNew();
+        owner.setField("S_ID", "7");
+        owner.setField("姓名", "");
+        owner.setField("移动电话", QVariant());
+        owner.setField("进户日期", "2024-03-05");
+        owner.setField("收楼日期", QVariant());
+        owner.setField("短信", 1);
+        owner.setField("说明", "新进户");
+        owner.Update();
+        const int key = owner.Fields("Zh_id").toInt();
+        QVERIFY(key > 0);
+        QCOMPARE(odbc.db.count("select count(*) from 业主表"), 1);
+        QCOMPARE(database::fieldText(owner.Fields("进户日期")), QString("2024-03-05"));
+        QVERIFY(!owner.Fields("姓名").isNull());
+        QVERIFY(owner.Fields("移动电话").isNull());
+        QVERIFY(owner.Fields("收楼日期").isNull());
+        QCOMPARE(owner.Fields("S_ID").toInt(), 7);
+
+        Recordset edit;
+        edit.Open("Select ZH_ID, 姓名, 进户日期, 收楼日期 From 业主表 Where ZH_ID=" +
+                      QString::number(key),
+                  Connection::cn(), database::adOpenKeyset, database::adLockOptimistic);
+        edit.setField("姓名", "欧阳建国");
+        edit.setField("进户日期", "2024/3/6 14:30");
+        edit.Update();
+        QCOMPARE(text("select 进户日期 from 业主表"), QString("2024-03-06 14:30:00"));
+        QCOMPARE(text("select 姓名 from 业主表"), QString("欧阳建国"));
+        // Text that is no date goes out as typed, and the server refuses it.
+        edit.setField("进户日期", "2024-02-30");
+        try {
+            edit.Update();
+            QFAIL("a date that does not exist was stored");
+        } catch (const runtime::RuntimeError& error) {
+            QCOMPARE(error.number(), -2147217913L);
+        }
+        QCOMPARE(text("select 进户日期 from 业主表"), QString("2024-03-06 14:30:00"));
+
+        Recordset member;
+        member.Open("Select ZL_ID, ZH_ID, ZL_xm, ZL_xb, ZL_csrq, ZL_bz From ZHZL Where ZL_ID=0",
+                    Connection::cn(), database::adOpenKeyset, database::adLockOptimistic);
+        member.AddNew();
+        member.setField("Zh_id", QString::number(key));
+        member.setField("ZL_xb", "");
+        member.setField("ZL_csrq", "20100102");
+        member.setField("ZL_bz", QVariant());
+        member.Update();
+        QVERIFY(member.Fields("ZL_ID").toInt() > 0);
+        QCOMPARE(database::fieldText(member.Fields("ZL_csrq")), QString("2010-01-02"));
+        QCOMPARE(odbc.db.count("select count(*) from ZHZL where ZL_xb = '' and ZL_bz is null"), 1);
+        // No statement asked for a server cursor.
+        QCOMPARE(odbc.server().procedureCalls().mid(callsBefore).filter("cursor"), QStringList());
+    }
+
+    // Server errors keep SQL Server's number; the connection stays usable after each.
+    void errorsCarryServerNumbers_data() {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<long>("number");
+        QTest::newRow("object") << "select * from 无此表" << 208L;
+        QTest::newRow("column") << "select 无此列 from ZHZL" << 207L;
+        QTest::newRow("date") << "Update 业户互联网 Set 审核日期 ='yesterday'" << -2147217913L;
+        QTest::newRow("batch, third refused")
+            << "Delete 业户互联网 Where HLWID= 1 Delete 业户互联网 Where HLWID= 2 "
+               "Delete 业户互联网 Where HLWID= 3"
+            << runtime::err::ProviderError;
+    }
+    void errorsCarryServerNumbers() {
+        QFETCH(QString, command);
+        QFETCH(long, number);
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            db.exec("insert into 业户互联网 (HLWID, 姓名) values (1, '甲'), (2, '乙'), (3, '丙')");
+            db.exec(
+                "create trigger refuse before delete on 业户互联网 when old.HLWID = 3"
+                " begin select raise(abort, 'refused'); end");
+        });
+        try {
+            odbc.db.exec(command);
+            QFAIL("the command ran");
+        } catch (const runtime::RuntimeError& error) {
+            QCOMPARE(error.number(), number);
+            QVERIFY(!error.description().isEmpty());
+        }
+        QCOMPARE(odbc.db.count("select count(*) from 业户互联网"), 3);
+        odbc.db.exec("Delete 业户互联网 Where HLWID= 1 Delete 业户互联网 Where HLWID= 2");
+        QCOMPARE(odbc.db.count("select count(*) from 业户互联网"), 1);
+    }
+
+    // Settings values through the program's ADO connection string to the ODBC driver, whole.
+    void connectionStringsReachTheDriver_data() {
+        QTest::addColumn<QString>("server");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("driver");
+        QTest::addColumn<QString>("expected");
+        const QString rest = "DATABASE=物业数据库;UID=qivo;PWD=pw;";
+        const QString tds = "TDS_Version=7.3;ClientCharset=UTF-8;";
+        QTest::newRow("FreeTDS host,port")
+            << "dbserver,1433"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=dbserver;Port=1433;" + tds + rest;
+        QTest::newRow("FreeTDS host alone")
+            << "dbserver"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=dbserver;Port=1433;" + tds + rest;
+        QTest::newRow("FreeTDS named instance")
+            << "dbserver\\SQLEXPRESS"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=dbserver\\SQLEXPRESS;" + tds + rest;
+        QTest::newRow("FreeTDS instance and port")
+            << "10.0.0.5\\INST,1500"
+            << "pw"
+            << "FreeTDS"
+            << "DRIVER={FreeTDS};SERVER=10.0.0.5;Port=1500;" + tds + rest;
+        QTest::newRow("Microsoft driver keeps host,port")
+            << "dbserver,1433"
+            << "pw"
+            << "ODBC Driver 17 for SQL Server"
+            << "DRIVER={ODBC Driver 17 for SQL Server};SERVER=dbserver,1433;" + rest;
+        QTest::newRow("separators, quotes and blanks in the password")
+            << "dbserver\\SQLEXPRESS"
+            << "p;w=x\"y'}"
+            << "ODBC Driver 18 for SQL Server"
+            << "DRIVER={ODBC Driver 18 for SQL Server};SERVER=dbserver\\SQLEXPRESS;"
+               "DATABASE=物业数据库;UID=qivo;PWD={p;w=x\"y'}}};TrustServerCertificate=yes;";
+        QTest::newRow("outer blanks kept")
+            << "dbserver"
+            << "  a b  "
+            << "SQL Server"
+            << "DRIVER={SQL Server};SERVER=dbserver;DATABASE=物业数据库;UID=qivo;PWD={  a b  };";
+    }
+    void connectionStringsReachTheDriver() {
+        QFETCH(QString, server);
+        QFETCH(QString, password);
+        QFETCH(QString, driver);
+        QFETCH(QString, expected);
+        // Composed as the shared connection composes it: values in as they stand.
+        const QString ado = "Provider=SQLOLEDB.1;Password=" + password +
+                            ";Persist Security Info=False;User ID=qivo;Initial Catalog='物业数据库'"
+                            ";Data Source='" +
+                            server + "'";
+        QCOMPARE(database::odbcConnectionString(database::parseConnectionString(ado), driver),
+                 expected);
+    }
+};
+
+QIVO_TEST_MAIN(OdbcRecordsTest)
+#include "test_database_odbc.moc"
