@@ -122,12 +122,13 @@ windows-build: windows-sdk
 windows: windows-build
 	@cmake --build $(WIN_BUILD) --target windows-package | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
 
-# Every suite under Wine in the build's own prefix; the prefix and its server are made first, so
-# that suites started side by side find them ready.
+# Every suite under Wine in the build's own prefix. Wine's own services are started first, by a
+# server that stays up for the run: started by a suite, they would hold its output open and ctest
+# would wait for them.
 windows-test: windows-build
 	@export WINEPREFIX="$(WIN_PREFIX)" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" && \
-	  { [ -f "$$WINEPREFIX/system.reg" ] || env -u DISPLAY wineboot -i >/dev/null 2>&1; } && \
-	  wineserver -p >/dev/null 2>&1 && trap 'wineserver -k >/dev/null 2>&1' EXIT && \
+	  wineserver -k >/dev/null 2>&1; wineserver -p >/dev/null 2>&1 && \
+	  trap 'wineserver -k >/dev/null 2>&1' EXIT && env -u DISPLAY wineboot -i >/dev/null 2>&1 && \
 	  cd $(WIN_BUILD) && ctest --output-on-failure -j $(JOBS)
 
 clean:
