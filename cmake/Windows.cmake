@@ -46,4 +46,5 @@ add_custom_target(windows-package
           "${PROJECT_VERSION}" ${QIVO_WINDOWS_DLLS} -- ${QIVO_WINDOWS_PLUGINS}
   WORKING_DIRECTORY "${QIVO_WINDOWS_SDK}"
   DEPENDS qivo-review qivo-demo-db
+  COMMENT "Packing the setup program and the zip"
   VERBATIM)
