@@ -10,6 +10,7 @@
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "widgets/error_path.h"
+#include "widgets/msgbox.h"
 #include "widgets/twips.h"
 
 namespace qivo {
@@ -319,6 +320,15 @@ void AccountScreen::closePanel() {
 
 qint32 AccountScreen::openedRegistration() const {
     return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
+}
+
+void AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
+    const bool changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
+    reloadList();
+    if (!changed) {
+        widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
+                        widgets::vbInformation);
+    }
 }
 
 }  // namespace qivo
