@@ -323,9 +323,11 @@ qint32 AccountScreen::openedRegistration() const {
 }
 
 void AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
+    // The header row shows no registration, so no colleague can have taken it.
+    const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
     const bool changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
     reloadList();
-    if (!changed) {
+    if (!changed && shown) {
         widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
                         widgets::vbInformation);
     }

@@ -7,6 +7,7 @@
 #include <QString>
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 #include "database/dates.h"
 #include "database/sqlite_engine.h"
@@ -116,7 +117,8 @@ void fitsFunction(sqlite3_context* context, int, sqlite3_value** argv) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
     const QString value =
         QString::fromUtf8(text, trimmedLength(text, sqlite3_value_bytes(argv[0])));
-    const bool wide = sqlite3_value_bytes(argv[1]) == 8;  // "nvarchar"
+    const bool wide =
+        std::string_view(reinterpret_cast<const char*>(sqlite3_value_text(argv[1]))) == "nvarchar";
     // In code page 936 a Chinese character takes two bytes, and each half of a character beyond
     // it one '?'. A character of the first plane it lacks also becomes '?': counting two errs on
     // the side of refusing.
