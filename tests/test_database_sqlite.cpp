@@ -93,8 +93,8 @@ class EngineTest final : public QObject {
                                          "Where HLWID= 5 Delete 业户互联网 Where HLWID= 6"));
         QCOMPARE(db.count("select count(*) from 业户互联网"), 3);
         // Quoted text is never split or rewritten.
-        db.exec("Update 业户互联网 Set 姓名 = 'a + b Delete 业户互联网' Where HLWID= 4");
-        QCOMPARE(column("select 姓名 from 业户互联网 where HLWID = 4", "姓名"),
+        db.exec("Update 业户互联网 Set 手机 = 'a + b Delete 业户互联网' Where HLWID= 4");
+        QCOMPARE(column("select 手机 from 业户互联网 where HLWID = 4", "手机"),
                  QStringList({"a + b Delete 业户互联网"}));
         QVERIFY_THROWS_EXCEPTION(runtime::RuntimeError, db.exec("Delect From ZHZL Where ZL_ID=1"));
     }

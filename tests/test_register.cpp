@@ -179,6 +179,13 @@ class TestRegister final : public QObject {
         QCOMPARE(accounts(), 9);
         QVERIFY(form->Picture1->isVisible());
         QCOMPARE(form->MSFlexGrid1->Rows(), 5);
+
+        // A colleague ended member account 211 meanwhile: nothing is deleted, the list reloads.
+        db->exec("Delete 业户互联网 Where HLWID= 211");
+        form->Command1->click();
+        QCOMPARE(messages->messages.last().prompt, QString("该Qivo账号已由他人处理，列表已刷新"));
+        QCOMPARE(accounts(), 8);
+        QVERIFY(!form->Picture1->isVisible());
     }
 
     void resizeFollowsRegisterConstants() {

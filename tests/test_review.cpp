@@ -230,6 +230,14 @@ class TestReview final : public QObject {
         QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID = 102"), 0);
         QCOMPARE(db->count("select count(*) from 业户互联网"), 7);
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 103, 101}));
+
+        // A colleague approved 101 meanwhile: it stays approved, and the reviewer is told.
+        test::clickCell(*form->MSFlexGrid1, 3, 7);
+        db->exec("Update 业户互联网 Set 审核人 = '李强' Where HLWID = 101");
+        form->Command1->click();
+        QCOMPARE(messages->messages.last().prompt, QString("该Qivo账号已由他人处理，列表已刷新"));
+        QCOMPARE(db->count("select count(*) from 业户互联网 where 审核人 = '李强'"), 1);
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 103}));
     }
 
     void resizeFollowsReviewConstants() {

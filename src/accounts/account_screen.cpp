@@ -10,6 +10,7 @@
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "widgets/error_path.h"
+#include "widgets/msgbox.h"
 #include "widgets/twips.h"
 
 namespace qivo {
@@ -319,6 +320,17 @@ void AccountScreen::closePanel() {
 
 qint32 AccountScreen::openedRegistration() const {
     return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
+}
+
+void AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
+    // The header row shows no registration, so no colleague can have taken it.
+    const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
+    const bool changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
+    reloadList();
+    if (!changed && shown) {
+        widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
+                        widgets::vbInformation);
+    }
 }
 
 }  // namespace qivo

@@ -87,6 +87,10 @@ class AccountScreen : public widgets::Form {
     void closePanel();
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
+    // Runs a decision on what the panel showed, then reloads the list. Each statement's own
+    // condition holds only while the rows are as the list showed them; when a colleague changed
+    // them first, nothing changes and the reviewer is told so.
+    void decide(const QString& sql, const std::function<void()>& reloadList);
     // Escape closes an open panel, as its close button does.
     void keyPressEvent(QKeyEvent* event) override;
     // The smallest window at which the panel fits whole over the list and the corner buttons

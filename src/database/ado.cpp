@@ -83,9 +83,9 @@ QSqlDatabase AdoConnection::database() const {
     return QSqlDatabase::database(name_, false);
 }
 
-void AdoConnection::Execute(const QString& sql) {
+qint64 AdoConnection::Execute(const QString& sql, ExecuteOption option) {
     QSqlDatabase db = database();
-    engine_->execute(db, engine_->statements(sql));
+    return engine_->execute(db, engine_->statements(sql), option == adEveryStatementChanges);
 }
 
 Recordset::Recordset() = default;

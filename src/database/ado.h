@@ -20,6 +20,13 @@ class RowCursor;
 
 enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1 };
 enum LockType { adLockReadOnly = 1, adLockOptimistic = 3 };
+// What a command must change to take effect.
+enum ExecuteOption {
+    adExecuteAll = 0,
+    // Every statement must change a row: when one finds none, the whole command is undone. The
+    // statements' own conditions then decide, at the moment they run, whether it goes ahead.
+    adEveryStatementChanges = 1,
+};
 
 // The one database session. The data source decides the engine: "sqlite:PATH" is the embedded
 // SQLite file PATH, anything else a SQL Server reached over ODBC. Errors are runtime::RuntimeError.
@@ -38,8 +45,9 @@ class AdoConnection final {
     bool isOpen() const;
 
     // Runs a command text; several statements separated by white space run in order, as one
-    // transaction: a failing statement leaves nothing of the batch behind.
-    void Execute(const QString& sql);
+    // transaction: a failing statement leaves nothing of the batch behind. Returns the number of
+    // rows the statements changed, 0 when the command was undone.
+    qint64 Execute(const QString& sql, ExecuteOption option = adExecuteAll);
 
     // For Recordset and the tests of the engines.
     const Engine& engine() const;

@@ -83,6 +83,9 @@ void throwSqlError(const QSqlError& error) {
     if (description == dateConversionMessage()) {
         throw runtime::RuntimeError(-2147217913, description);
     }
+    if (description == truncationMessage()) {
+        throw runtime::RuntimeError(kTruncationError, description);
+    }
     throw runtime::RuntimeError(runtime::err::ProviderError, description);
 }
 

@@ -42,8 +42,11 @@ class Engine {
                            const QVariantList& values, const QString& keyColumn,
                            const QVariant& key) const = 0;
 
-    // Runs a command's statements in order; more than one run as one transaction.
-    virtual void execute(QSqlDatabase& db, const QStringList& statements) const = 0;
+    // Runs a command's statements in order; more than one run as one transaction. Returns the
+    // rows they changed together. With eachMustChange a statement that changes no row undoes
+    // the transaction, and the answer is 0.
+    virtual qint64 execute(QSqlDatabase& db, const QStringList& statements,
+                           bool eachMustChange = false) const = 0;
 
     // The value to send for text typed into a date column.
     virtual QVariant dateValue(const QVariant& typed) const { return typed; }

@@ -47,14 +47,15 @@ std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& s
     return std::make_unique<OdbcCursor>(statement.readAll());
 }
 
-void OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+qint64 OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements,
+                           bool eachMustChange) const {
     if (statements.size() == 1) {
         OdbcStatement statement(connectionHandle(db));
         statement.execute(statements.front());
         statement.readAll();
-        return;
+        return statement.rowsChanged();
     }
-    runInTransaction(connectionHandle(db), statements);
+    return runInTransaction(connectionHandle(db), statements, eachMustChange);
 }
 
 QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const {

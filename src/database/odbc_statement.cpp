@@ -32,6 +32,8 @@ long errorNumber(SQLINTEGER native) {
         case 547:   // constraint
         case 2601:  // duplicate key in a unique index
         case 2627:  // duplicate key of a constraint
+        case 2628:  // text longer than its column, naming it
+        case 8152:  // text longer than its column
             return native;
         default:
             return runtime::err::ProviderError;
@@ -184,6 +186,7 @@ bool OdbcStatement::moveToRows() {
         if (columns > 0) {
             return true;
         }
+        noteRowCount();
         const SQLRETURN more = SQLMoreResults(handle_);
         if (more == SQL_NO_DATA) {
             return false;
@@ -204,6 +207,14 @@ void OdbcStatement::drain() {
         if (!SQL_SUCCEEDED(more)) {
             fail();
         }
+        noteRowCount();
+    }
+}
+
+void OdbcStatement::noteRowCount() {
+    SQLLEN rows = -1;
+    if (SQL_SUCCEEDED(SQLRowCount(handle_, &rows)) && rows >= 0) {
+        changed_ = rows;
     }
 }
 
@@ -326,7 +337,7 @@ QString OdbcStatement::readText(int column, bool& isNull) {
     }
 }
 
-void runInTransaction(void* connection, const QStringList& statements) {
+qint64 runInTransaction(void* connection, const QStringList& statements, bool eachMustChange) {
     auto setAutocommit = [connection](SQLULEN mode) {
         if (!SQL_SUCCEEDED(SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
                                               reinterpret_cast<SQLPOINTER>(mode),
@@ -334,23 +345,33 @@ void runInTransaction(void* connection, const QStringList& statements) {
             throwOdbcError(SQL_HANDLE_DBC, connection);
         }
     };
+    auto undo = [connection] {
+        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+    };
     setAutocommit(SQL_AUTOCOMMIT_OFF);
+    qint64 changed = 0;
     try {
         for (const QString& statement : statements) {
             OdbcStatement step(connection);
             step.execute(statement);
             step.readAll();
+            if (eachMustChange && step.rowsChanged() == 0) {
+                undo();
+                return 0;
+            }
+            changed += step.rowsChanged();
         }
         if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection, SQL_COMMIT))) {
             throwOdbcError(SQL_HANDLE_DBC, connection);
         }
     } catch (...) {
-        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
-        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+        undo();
         throw;
     }
     setAutocommit(SQL_AUTOCOMMIT_ON);
+    return changed;
 }
 
 }  // namespace qivo::database

@@ -18,6 +18,10 @@ QString dateConversionMessage() {
     return QStringLiteral("从字符串转换日期和/或时间时，转换失败。");
 }
 
+QString truncationMessage() {
+    return QStringLiteral("将截断字符串或二进制数据。");
+}
+
 // How long a statement waits for a lock another program holds on the file.
 constexpr int kBusyTimeoutMs = 5000;
 
@@ -114,18 +118,27 @@ void execOrThrow(QSqlQuery& query, const QString& sql) {
 
 }  // namespace
 
-void SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+qint64 SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements,
+                             bool eachMustChange) const {
     QSqlQuery query(db);
     if (statements.size() == 1) {
         execOrThrow(query, statements.front());
-        return;
+        return query.numRowsAffected();
     }
     if (!db.transaction()) {
         throwSqlError(db.lastError());
     }
+    qint64 changed = 0;
     try {
         for (const QString& statement : statements) {
             execOrThrow(query, statement);
+            const int rows = query.numRowsAffected();
+            if (eachMustChange && rows == 0) {
+                query.finish();
+                db.rollback();
+                return 0;
+            }
+            changed += rows;
         }
     } catch (...) {
         query.finish();
@@ -137,6 +150,7 @@ void SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements) cons
         db.rollback();
         throwSqlError(error);
     }
+    return changed;
 }
 
 // An absent file is a wrong setting or a lost database, never a new empty one; and SQLite would

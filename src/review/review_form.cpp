@@ -104,15 +104,14 @@ void frmQivo账号审核::Command1_Click() {
     decideOpenedRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
 }
 
-// Asks the question; on Yes runs the statement for the registration the panel shows and reloads
-// the list.
+// Asks the question; on Yes decides the registration the panel shows while it is still pending.
 void frmQivo账号审核::decideOpenedRow(const QString& question,
                                       const std::function<QString(qint32)>& statement) {
     if (widgets::MsgBox(question, widgets::vbYesNo) == widgets::vbNo) {
         return;
     }
-    Connection::cn().Execute(statement(openedRegistration()));
-    LoadPendingList();
+    decide(statement(openedRegistration()) + review_sql::stillPending(),
+           [this] { LoadPendingList(); });
 }
 
 void frmQivo账号审核::Command2_Click() {
