@@ -30,6 +30,7 @@ struct AccountScreenDesign {
     int exitMargin;      // from Command5's right edge to the window's inner right edge
     QString title;       // caption of the title label Label1(0)
     QString listFormat;  // MSFlexGrid1's format string
+    QString countText;   // the list's count in the status bar, "%1" for the number of rows
     widgets::TwipsRect panel;
     QPoint accountFields;  // where the registration's boxes start on the panel
     QPoint ownerFields;    // where the owner's boxes start on the panel
@@ -62,6 +63,8 @@ class AccountScreen : public widgets::Form {
     void Image1_Click();
     void ClearAccountFields();
     void ClearOwnerFields();
+    // Ctrl+E: saves the list as shown to a CSV file the user names.
+    void ExportList();
 
   protected:
     AccountScreen(const AccountScreenDesign& design, QWidget* parent);
@@ -85,6 +88,10 @@ class AccountScreen : public widgets::Form {
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
     void closePanel();
+    // The registered name and address the open panel shows.
+    QString openedAccount() const;
+    // What a decision did, and to whom, in the status bar until the next decision.
+    void reportDone(const QString& done, const QString& account);
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
     // Escape closes an open panel, as its close button does.
@@ -100,6 +107,8 @@ class AccountScreen : public widgets::Form {
     // widths: of the label, then of the box.
     widgets::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
+    void addExportAction();
+    void showListCount();
 
     AccountScreenDesign design_;
     std::optional<qint32> opened_;
@@ -109,6 +118,9 @@ class AccountScreen : public widgets::Form {
 inline QString formatColumn(QChar align, const QString& header, int blanks) {
     return align + header + QString(blanks, u' ');
 }
+
+// A count with its thousands set apart by blanks: 1204 is "1 204".
+QString groupThousands(int count);
 
 // The columns 0-6 both account lists begin with: row number, estate, address and the
 // registration's account, name, identity number and mobile.
