@@ -96,12 +96,9 @@ class TestAppOwner final : public QObject {
         QTest::addColumn<int>("status");
         QTest::addColumn<QString>("out");
         QTest::addColumn<QString>("err");
-        QTest::newRow("help") << "--help" << 0 << "--new-owner S_ID"
-                              << "";
-        QTest::newRow("version") << "--version" << 0 << "1.0\n"
-                                 << "";
-        QTest::newRow("unknown") << "--bogus" << 2 << ""
-                                 << "未知选项 --bogus";
+        QTest::newRow("help") << "--help" << 0 << "--new-owner S_ID" << QString();
+        QTest::newRow("version") << "--version" << 0 << "1.0\n" << QString();
+        QTest::newRow("unknown") << "--bogus" << 2 << QString() << "未知选项 --bogus";
     }
     void informationOptions() {
         QFETCH(QString, option);

@@ -1,4 +1,3 @@
-#include <QDir>
 #include <QFile>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -278,7 +277,6 @@ class TestPlatformGrid final : public QObject {
         QCOMPARE(asked, QStringList(3, QStringLiteral("名单.csv")));
         QCOMPARE(boxes.prompts().size(), 1);
         QVERIFY(boxes.prompts()[0].contains(QStringLiteral("folder.csv")));
-        QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{"list.csv"});
     }
 
   private:
