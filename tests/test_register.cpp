@@ -94,6 +94,7 @@ class TestRegister final : public QObject {
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("李强"));
         QCOMPARE(form->StatusBar1->panelText(3), QString());  // a session without a post
+        QCOMPARE(form->StatusBar1->panelText(4), QString("已审核 4 户"));
         QCOMPARE(form->Label1[0]->text(), QString("已审核Qivo账号"));
     }
 
@@ -160,6 +161,9 @@ class TestRegister final : public QObject {
                  0);
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({204, 203, 202}));
         QVERIFY(!form->Picture1->isVisible());
+        QCOMPARE(form->StatusBar1->panelText(4), QString("已审核 3 户"));
+        QCOMPARE(form->StatusBar1->panelText(5),
+                 QString("已终止：王建国 10栋101室，连同名下成员账号 3 个"));
 
         // Household 2 has no member accounts: one question, one delete.
         messages->messages.clear();
@@ -167,6 +171,7 @@ class TestRegister final : public QObject {
         form->Command1->click();
         QCOMPARE(messages->prompts(), QStringList({"确认要终止这个Qivo账号"}));
         QCOMPARE(accounts(), 4);
+        QCOMPARE(form->StatusBar1->panelText(5), QString("已终止：李娜 2栋1001"));
     }
 
     void failingDeleteLeavesEveryAccount() {

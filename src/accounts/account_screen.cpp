@@ -1,5 +1,7 @@
 #include "accounts/account_screen.h"
 
+#include <QAction>
+#include <QDate>
 #include <QKeyEvent>
 #include <QScopeGuard>
 #include <QStyle>
@@ -10,6 +12,7 @@
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "widgets/error_path.h"
+#include "widgets/grid_export.h"
 #include "widgets/msgbox.h"
 #include "widgets/twips.h"
 
@@ -22,6 +25,10 @@ constexpr int kGridFooter = 150;  // between the list grid and the status bar
 constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
+
+// Status bar panels beside the operator's name and post.
+constexpr int kCountPanel = 4;
+constexpr int kDonePanel = 5;
 
 // Labels of the registration's boxes Text1(0..4).
 constexpr std::array<const char16_t*, 5> kAccountLabels{u"Qivo号", u"地   址", u"姓   名",
@@ -55,6 +62,14 @@ constexpr std::array<const char16_t*, 6> kListColumns{u"项目", u"dz",     u"Qi
 
 }  // namespace
 
+QString groupThousands(int count) {
+    QString digits = QString::number(count);
+    for (qsizetype at = digits.size() - 3; at > 0; at -= 3) {
+        digits.insert(at, u' ');
+    }
+    return digits;
+}
+
 QString accountListColumns() {
     return formatColumn('<', QStringLiteral("序"), 4) + '|' +
            formatColumn('<', QStringLiteral("项目名称"), 43) + '|' +
@@ -74,7 +89,10 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
     StatusBar1 = new widgets::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
+    StatusBar1->addPanel(0);
+    StatusBar1->addPanel(2);
     buildPanel();
+    addExportAction();
     // The list has the keyboard first: arrow keys move along it, Enter opens a row.
     MSFlexGrid1->setFocus();
     connect(MSFlexGrid1, &widgets::FlexGrid::KeyPress, this,
@@ -93,6 +111,23 @@ void AccountScreen::keyPressEvent(QKeyEvent* event) {
         return;
     }
     widgets::Form::keyPressEvent(event);
+}
+
+// Ctrl+E anywhere in the window, and the list's context menu.
+void AccountScreen::addExportAction() {
+    auto* exportList = new QAction(QStringLiteral("导出列表为 CSV…"), this);
+    exportList->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    exportList->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    widgets::onEvent(exportList, &QAction::triggered, this, [this] { ExportList(); });
+    addAction(exportList);
+    MSFlexGrid1->addAction(exportList);
+    MSFlexGrid1->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void AccountScreen::ExportList() {
+    widgets::exportGridCsv(
+        *MSFlexGrid1, this,
+        design_.title + '-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd")) + ".csv");
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const widgets::TwipsRect& place,
@@ -256,7 +291,10 @@ void AccountScreen::fillList(
     database::Recordset record;
     record.Open(sql, Connection::cn());
     MSFlexGrid1->setVisible(false);
-    const auto showAgain = qScopeGuard([this] { MSFlexGrid1->setVisible(true); });
+    const auto showAgain = qScopeGuard([this] {
+        MSFlexGrid1->setVisible(true);
+        showListCount();
+    });
     MSFlexGrid1->setRows(1);
     const int keyCol = MSFlexGrid1->Cols() - 1;
     QStringList listColumns;
@@ -282,6 +320,19 @@ void AccountScreen::fillList(
         }
         record.MoveNext();
     }
+}
+
+void AccountScreen::showListCount() {
+    StatusBar1->setPanelText(kCountPanel,
+                             design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)));
+}
+
+QString AccountScreen::openedAccount() const {
+    return Text1[2]->text().trimmed() + ' ' + Text1[1]->text().trimmed();
+}
+
+void AccountScreen::reportDone(const QString& done, const QString& account) {
+    StatusBar1->setPanelText(kDonePanel, done + "：" + account);
 }
 
 void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleRow) {
@@ -322,7 +373,7 @@ qint32 AccountScreen::openedRegistration() const {
     return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
 }
 
-void AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
+bool AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
     // The header row shows no registration, so no colleague can have taken it.
     const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
     const bool changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
@@ -331,6 +382,7 @@ void AccountScreen::decide(const QString& sql, const std::function<void()>& relo
         widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
                         widgets::vbInformation);
     }
+    return changed;
 }
 
 }  // namespace qivo

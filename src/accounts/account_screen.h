@@ -30,6 +30,7 @@ struct AccountScreenDesign {
     int exitMargin;      // from Command5's right edge to the window's inner right edge
     QString title;       // caption of the title label Label1(0)
     QString listFormat;  // MSFlexGrid1's format string
+    QString countText;   // the list's count in the status bar, "%1" for the number of rows
     widgets::TwipsRect panel;
     QPoint accountFields;  // where the registration's boxes start on the panel
     QPoint ownerFields;    // where the owner's boxes start on the panel
@@ -62,6 +63,8 @@ class AccountScreen : public widgets::Form {
     void Image1_Click();
     void ClearAccountFields();
     void ClearOwnerFields();
+    // Ctrl+E: saves the list as shown to a CSV file the user names.
+    void ExportList();
 
   protected:
     AccountScreen(const AccountScreenDesign& design, QWidget* parent);
@@ -85,12 +88,16 @@ class AccountScreen : public widgets::Form {
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
     void closePanel();
+    // The registered name and address the open panel shows.
+    QString openedAccount() const;
+    // What a decision did, and to whom, in the status bar until the next decision.
+    void reportDone(const QString& done, const QString& account);
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
     // Runs a decision on what the panel showed, then reloads the list. Each statement's own
     // condition holds only while the rows are as the list showed them; when a colleague changed
     // them first, nothing changes and the reviewer is told so.
-    void decide(const QString& sql, const std::function<void()>& reloadList);
+    bool decide(const QString& sql, const std::function<void()>& reloadList);
     // Escape closes an open panel, as its close button does.
     void keyPressEvent(QKeyEvent* event) override;
     // The smallest window at which the panel fits whole over the list and the corner buttons
@@ -104,6 +111,8 @@ class AccountScreen : public widgets::Form {
     // widths: of the label, then of the box.
     widgets::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
+    void addExportAction();
+    void showListCount();
 
     AccountScreenDesign design_;
     std::optional<qint32> opened_;
@@ -113,6 +122,9 @@ class AccountScreen : public widgets::Form {
 inline QString formatColumn(QChar align, const QString& header, int blanks) {
     return align + header + QString(blanks, u' ');
 }
+
+// A count with its thousands set apart by blanks: 1204 is "1 204".
+QString groupThousands(int count);
 
 // The columns 0-6 both account lists begin with: row number, estate, address and the
 // registration's account, name, identity number and mobile.

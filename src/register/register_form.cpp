@@ -141,9 +141,15 @@ void frmQivo账号一览表::Command1_Click() {
     for (int row = 1; row < MSFlexGrid2->Rows(); ++row) {
         members << MSFlexGrid2->RowData(row);
     }
-    decide(
-        register_sql::terminateBatch(openedRegistration(), members, register_sql::stillApproved()),
-        [this] { LoadApprovedList(); });
+    QString account = openedAccount();
+    if (!members.isEmpty()) {
+        account += QStringLiteral("，连同名下成员账号 %1 个").arg(members.size());
+    }
+    if (decide(register_sql::terminateBatch(openedRegistration(), members,
+                                            register_sql::stillApproved()),
+               [this] { LoadApprovedList(); })) {
+        reportDone(QStringLiteral("已终止"), account);
+    }
 }
 
 void frmQivo账号一览表::Command2_Click() {

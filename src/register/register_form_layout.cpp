@@ -15,6 +15,7 @@ AccountScreenDesign registerDesign() {
             .exitMargin = 300,
             .title = QStringLiteral("已审核Qivo账号"),
             .listFormat = listFormat,
+            .countText = QStringLiteral("已审核 %1 户"),
             .panel = {0, 0, 12000, 8760},
             .accountFields = {300, 1050},
             .ownerFields = {5900, 1050}};

@@ -17,6 +17,7 @@ AccountScreenDesign reviewDesign() {
             .exitMargin = 400,
             .title = QStringLiteral("待审核Qivo账号"),
             .listFormat = listFormat,
+            .countText = QStringLiteral("待审核 %1 条"),
             .panel = {0, 0, 11400, 6600},
             .accountFields = {300, 1050},
             .ownerFields = {5700, 1050}};
