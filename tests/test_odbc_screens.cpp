@@ -1,6 +1,11 @@
 // The screens on SQL Server: sign-in, review, register and owner flows through FreeTDS's ODBC
 // driver to the stand-in server.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <QListWidget>
+#include <QPushButton>
+#include <QTimer>
 #include <memory>
 
 #include "owner/owner_form.h"
@@ -13,6 +18,7 @@
 #include "support/account_fixture.h"
 #include "support/grid_actions.h"
 #include "support/odbc_fixture.h"
+#include "widgets/wait_dialog.h"
 
 using namespace qivo;
 
@@ -95,6 +101,45 @@ class OdbcScreensTest final : public QObject {
         QCOMPARE(odbc.db.count("select count(*) from 业户互联网 where 审核人 = '李强'"), 1);
         QCOMPARE(boxes.prompts().last(), QString("该Qivo账号已由他人处理，列表已刷新"));
         QCOMPARE(grid.Rows(), 1);
+    }
+
+    // A statement the server holds shows nothing for its first moment, then the wait window;
+    // 取消 ends it on the server: a list load quietly, an approval on the error path.
+    void heldStatementsShowTheWaitAndCancel() {
+        test::OdbcFixture odbc(seedAccounts);
+        test::MsgBoxRecorder boxes;
+        frmQivo账号审核 form;
+        form.Show();
+        QStringList waits;
+        QTimer presser;
+        presser.callOnTimeout([&waits] {
+            for (QWidget* window : QApplication::topLevelWidgets()) {
+                auto* wait = dynamic_cast<widgets::WaitDialog*>(window);
+                if (wait && wait->isVisible() && wait->cmdCancel->isEnabled()) {
+                    waits << wait->Label1->text();
+                    QTest::mouseClick(wait->cmdCancel, Qt::LeftButton);
+                }
+            }
+        });
+        presser.start(50);
+        odbc.server().holdStatements("审核人 Is Null", 300);
+        form.Command4->click();
+        QVERIFY(waits.isEmpty());
+        odbc.server().holdStatements("审核人 Is Null", 20000);
+        QElapsedTimer clock;
+        clock.start();
+        form.Command4->click();
+        QCOMPARE(waits, QStringList{"正在查询数据库…"});
+        QVERIFY(boxes.messages.isEmpty());
+        QCOMPARE(test::rowKeys(*form.MSFlexGrid1), QList<qint32>({102, 101}));
+        odbc.server().holdStatements("Update 业户互联网", 20000);
+        form.MSFlexGrid1->setRow(1);
+        form.Command3->click();
+        QVERIFY(clock.elapsed() < 5000);
+        QCOMPARE(waits.size(), 2);
+        QVERIFY(boxes.prompts().last().contains("操作已被用户取消。"));
+        QCOMPARE(odbc.db.count("select count(*) from 业户互联网 where 审核人 is null"), 2);
+        odbc.server().holdStatements({}, 0);
     }
 
     // The three deletes of a termination stand or fall together.

@@ -34,6 +34,14 @@ QString tableOf(const QString& sql) {
     return table;
 }
 
+// What work gives, run as the engine runs statements the user may cancel.
+template <class Result, class Work>
+Result watched(const Engine& engine, Work work) {
+    Result result;
+    engine.run([&] { result = work(); });
+    return result;
+}
+
 }  // namespace
 
 AdoConnection::AdoConnection() = default;
@@ -85,7 +93,11 @@ QSqlDatabase AdoConnection::database() const {
 
 qint64 AdoConnection::Execute(const QString& sql, ExecuteOption option) {
     QSqlDatabase db = database();
-    return engine_->execute(db, engine_->statements(sql), option == adEveryStatementChanges);
+    const QStringList statements = engine_->statements(sql);
+    qint64 changed = 0;
+    engine_->run(
+        [&] { changed = engine_->execute(db, statements, option == adEveryStatementChanges); });
+    return changed;
 }
 
 Recordset::Recordset() = default;
@@ -102,7 +114,9 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
     table_ = updatable_ ? tableOf(sql) : QString();
     adding_ = false;
     cursor_.reset();
-    cursor_ = connection.engine().select(db, statements.value(0));
+    const Engine& engine = connection.engine();
+    cursor_ = watched<std::unique_ptr<RowCursor>>(
+        engine, [&] { return engine.select(db, statements.value(0)); });
     names_ = cursor_->columnNames();
     dates_.clear();
     for (int i = 0; i < names_.size(); ++i) {
@@ -260,16 +274,18 @@ void Recordset::Update() {
             values << (dates_[i] ? engine.dateValue(values_[i]) : values_[i]);
         }
     }
-    const QString keyColumn = engine.identityColumn(db, table_);
+    const QString keyColumn =
+        watched<QString>(engine, [&] { return engine.identityColumn(db, table_); });
     if (adding_) {
-        const QVariant key = engine.insertRow(db, table_, columns, values);
+        const QVariant key = watched<QVariant>(
+            engine, [&] { return engine.insertRow(db, table_, columns, values); });
         adding_ = false;
         readBack(keyColumn, key);
         return;
     }
     const QVariant key = values_[fieldIndex(keyColumn)];
     if (!columns.isEmpty()) {
-        engine.updateRow(db, table_, columns, values, keyColumn, key);
+        engine.run([&] { engine.updateRow(db, table_, columns, values, keyColumn, key); });
     }
     readBack(keyColumn, key);
 }
@@ -283,10 +299,10 @@ void Recordset::readBack(const QString& keyColumn, const QVariant& key) {
         columns << engine.quoteName(name);
     }
     // Keys are identities, whole numbers, so the text needs no parameter.
-    cursor_ =
-        engine.select(db, QStringLiteral("select %1 from %2 where %3 = %4")
-                              .arg(columns.join(u','), engine.quoteName(table_),
-                                   engine.quoteName(keyColumn), QString::number(key.toLongLong())));
+    const QString sql = QStringLiteral("select %1 from %2 where %3 = %4")
+                            .arg(columns.join(u','), engine.quoteName(table_),
+                                 engine.quoteName(keyColumn), QString::number(key.toLongLong()));
+    cursor_ = watched<std::unique_ptr<RowCursor>>(engine, [&] { return engine.select(db, sql); });
     dirty_.assign(names_.size(), false);
     fetchNext();
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 #include <memory>
 
 class QSqlQuery;
@@ -57,6 +58,10 @@ class Engine {
 
     // Throws when the database can no longer be reached by this connection.
     virtual void checkReachable() const {}
+
+    // Runs work that talks to the database (the calls above) so that a statement still running
+    // after a moment shows the statement wait, and the user can cancel it there.
+    virtual void run(const std::function<void()>& work) const = 0;
 
   protected:
     // "update <table> set <column> = ?, ... where <key column> = ?" in this engine's quoting.

@@ -6,6 +6,7 @@
 #include "database/dates.h"
 #include "database/odbc_connection_string.h"
 #include "database/odbc_statement.h"
+#include "database/odbc_wait.h"
 #include "database/row_cursor.h"
 #include "database/sql_text.h"
 #include "runtime/runtime_error.h"
@@ -106,6 +107,10 @@ QVariant OdbcEngine::dateValue(const QVariant& typed) const {
         return typed;
     }
     return QString(*iso).remove(u'-');
+}
+
+void OdbcEngine::run(const std::function<void()>& work) const {
+    runOdbcWork(work);
 }
 
 QString OdbcEngine::quoteName(const QString& name) const {

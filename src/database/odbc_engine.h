@@ -22,6 +22,7 @@ class OdbcEngine final : public Engine {
     QVariant dateValue(const QVariant& typed) const override;
     QString quoteName(const QString& name) const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
+    void run(const std::function<void()>& work) const override;
 };
 
 }  // namespace qivo::database

@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <iterator>
 
+#include "database/odbc_wait.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {
@@ -98,6 +99,7 @@ OdbcStatement::OdbcStatement(void* connection) : connection_(connection) {
 }
 
 OdbcStatement::~OdbcStatement() {
+    statementEnding(handle_);
     SQLFreeHandle(SQL_HANDLE_STMT, handle_);
 }
 
@@ -168,6 +170,7 @@ void OdbcStatement::bind(const QVariantList& values) {
 
 void OdbcStatement::execute(const QString& sql, const QVariantList& values) {
     bind(values);
+    statementStarting(handle_);
     const SQLRETURN result =
         SQLExecDirectW(handle_, reinterpret_cast<SQLWCHAR*>(const_cast<QChar*>(sql.constData())),
                        SQLINTEGER(sql.size()));

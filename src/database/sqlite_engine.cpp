@@ -29,7 +29,6 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
     checkReachable();
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(path_);
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
     if (!db.open()) {
         throwSqlError(db.lastError());
     }
@@ -40,6 +39,7 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
         throw runtime::RuntimeError(runtime::err::ProviderError,
                                     QStringLiteral("无法初始化嵌入式数据库。"));
     }
+    watch_ = std::make_unique<SqliteWatch>(sqlite, kBusyTimeoutMs);
     // A file that is not a database fails here rather than at the first screen.
     QSqlQuery probe(db);
     if (!probe.exec(QStringLiteral("select count(*) from sqlite_master"))) {
@@ -50,7 +50,12 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
 
 std::unique_ptr<RowCursor> SqliteEngine::select(QSqlDatabase& db, const QString& sql) const {
     const QVariant handle = db.driver()->handle();
-    return std::make_unique<SqliteCursor>(*static_cast<sqlite3* const*>(handle.constData()), sql);
+    return std::make_unique<SqliteCursor>(*static_cast<sqlite3* const*>(handle.constData()), sql,
+                                          *watch_);
+}
+
+void SqliteEngine::run(const std::function<void()>& work) const {
+    watch_->run(work);
 }
 
 QStringList SqliteEngine::statements(const QString& sql) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/engine.h"
+#include "database/sqlite_watch.h"
 
 namespace qivo::database {
 
@@ -24,9 +25,12 @@ class SqliteEngine final : public Engine {
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
+    void run(const std::function<void()>& work) const override;
 
   private:
     QString path_;
+    // Made when the connection opens; it belongs to the connection's handle.
+    mutable std::unique_ptr<SqliteWatch> watch_;
 };
 
 // The collation every text column of the embedded schema uses.

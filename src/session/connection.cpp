@@ -2,6 +2,7 @@
 
 #include "runtime/runtime_error.h"
 #include "runtime/settings.h"
+#include "session/query_wait.h"
 #include "widgets/msgbox.h"
 
 namespace qivo::Connection {
@@ -11,6 +12,7 @@ bool OpenConnection(QString& userId, QString& password, QString& catalog, QStrin
         ConnectionString = composeConnectionString(userId, password, catalog, dataSource);
         Cn = std::make_unique<database::AdoConnection>();
         prepareConnection(*Cn, ConnectionString);
+        showWaitWindowForSlowStatements();
         Cn->Open();
         return true;
     } catch (const runtime::RuntimeError& error) {

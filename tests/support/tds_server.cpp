@@ -10,6 +10,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
+#include <QTimer>
 #include <atomic>
 #include <bit>
 #include <optional>
@@ -98,17 +99,24 @@ std::optional<QVariant> readParameter(Reader& in) {
     }
 }
 
+// Requests held back before they run (holdStatements).
+struct Hold {
+    QByteArray text;  // as the request carries it, UTF-16
+    int ms = 0;
+};
+
 class Session {
   public:
     Session(QTcpSocket* socket, const QString& path, bool dayFirst,
             const std::atomic<bool>& rollbackKeeps, std::atomic<qint64>& busy, QStringList& calls,
-            QMutex& mutex)
+            QMutex& mutex, const Hold& hold)
         : socket_(socket),
           dayFirst_(dayFirst),
           rollbackKeeps_(rollbackKeeps),
           busy_(busy),
           calls_(calls),
-          mutex_(mutex) {
+          mutex_(mutex),
+          hold_(hold) {
         sqlite3_open_v2(path.toUtf8().constData(), &db_, SQLITE_OPEN_READWRITE, nullptr);
         database::registerSqliteFunctions(db_);
         addCatalog(db_);
@@ -131,7 +139,12 @@ class Session {
             const bool last = input_[1] & 0x01;
             message_ += input_.mid(8, length - 8);
             input_.remove(0, length);
-            if (last) {
+            if (last && holds(type)) {
+                holdBack(type);
+            } else if (last) {
+                if (type == kPacketAttention) {
+                    ++held_;
+                }
                 QElapsedTimer timer;
                 timer.start();
                 answer(type, message_);
@@ -139,6 +152,27 @@ class Session {
                 message_.clear();
             }
         }
+    }
+
+    bool holds(quint8 type) {
+        QMutexLocker lock(&mutex_);
+        return (type == kPacketBatch || type == kPacketRpc) && !hold_.text.isEmpty() &&
+               message_.contains(hold_.text);
+    }
+
+    // Answers the request later unless an attention comes first.
+    void holdBack(quint8 type) {
+        int ms = 0;
+        {
+            QMutexLocker lock(&mutex_);
+            ms = hold_.ms;
+        }
+        QTimer::singleShot(ms, socket_, [this, type, request = message_, id = ++held_] {
+            if (id == held_) {
+                answer(type, request);
+            }
+        });
+        message_.clear();
     }
 
     void answer(quint8 type, const QByteArray& request) {
@@ -334,6 +368,8 @@ class Session {
     std::atomic<qint64>& busy_;
     QStringList& calls_;
     QMutex& mutex_;
+    const Hold& hold_;
+    quint64 held_ = 0;  // the hold now waiting; an attention moves it on
     sqlite3* db_ = nullptr;
     QByteArray input_;
     QByteArray message_;
@@ -351,6 +387,7 @@ struct TdsServer::State {
     std::atomic<bool> rollbackKeeps{false};
     QStringList calls;
     QMutex mutex;
+    Hold hold;
 };
 
 TdsServer::TdsServer(const QString& databasePath) : state_(std::make_unique<State>()) {
@@ -358,8 +395,9 @@ TdsServer::TdsServer(const QString& databasePath) : state_(std::make_unique<Stat
     s.listener->listen(QHostAddress::LocalHost);
     QObject::connect(s.listener, &QTcpServer::newConnection, s.listener, [&s, databasePath] {
         while (QTcpSocket* socket = s.listener->nextPendingConnection()) {
-            s.sessions.push_back(std::make_unique<Session>(
-                socket, databasePath, s.dayFirst, s.rollbackKeeps, s.busy, s.calls, s.mutex));
+            s.sessions.push_back(std::make_unique<Session>(socket, databasePath, s.dayFirst,
+                                                           s.rollbackKeeps, s.busy, s.calls,
+                                                           s.mutex, s.hold));
         }
     });
     s.listener->moveToThread(&s.thread);
@@ -383,6 +421,12 @@ void TdsServer::setDayFirstLogins(bool dayFirst) {
 
 void TdsServer::setRollbackKeepsWrites(bool keeps) {
     state_->rollbackKeeps = keeps;
+}
+
+void TdsServer::holdStatements(const QString& containing, int ms) {
+    QMutexLocker lock(&state_->mutex);
+    state_->hold = {
+        QByteArray(reinterpret_cast<const char*>(containing.utf16()), containing.size() * 2), ms};
 }
 
 qint64 TdsServer::busyNanoseconds() const {

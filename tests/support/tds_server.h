@@ -27,6 +27,10 @@ class TdsServer final {
     // Rolling back a transaction keeps what it wrote, as on a connection whose transaction never
     // began.
     void setRollbackKeepsWrites(bool keeps);
+    // From now on a request whose text contains `containing` is answered only after ms
+    // milliseconds, as a statement another session's lock holds; an attention (the client's
+    // cancel) coming first drops it unanswered and unrun. Empty text holds nothing.
+    void holdStatements(const QString& containing, int ms);
     // Time spent answering requests: running statements and encoding their results.
     qint64 busyNanoseconds() const;
     // The remote procedures called so far, by name.
