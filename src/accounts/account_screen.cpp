@@ -317,6 +317,16 @@ void AccountScreen::closePanel() {
     }
 }
 
+void AccountScreen::decide(const QString& statement, const std::function<void()>& reloadList) {
+    try {
+        Connection::cn().Execute(statement);
+    } catch (const database::ConnectionLost&) {
+        reloadList();
+        throw;
+    }
+    reloadList();
+}
+
 qint32 AccountScreen::openedRegistration() const {
     return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
 }

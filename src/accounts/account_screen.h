@@ -85,6 +85,10 @@ class AccountScreen : public widgets::Form {
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
     void closePanel();
+    // Runs a decision's statement, then reloads the list. When the connection went before the
+    // server answered, the list is reloaded all the same, to show what the server holds, and the
+    // reviewer is told that the decision's fate is unknown.
+    void decide(const QString& statement, const std::function<void()>& reloadList);
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
     // Escape closes an open panel, as its close button does.

@@ -19,6 +19,7 @@ class OdbcEngine final : public Engine {
                    const QVariant& key) const override;
     void execute(QSqlDatabase& db, const QStringList& statements) const override;
     QVariant dateValue(const QVariant& typed) const override;
+    Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
 };

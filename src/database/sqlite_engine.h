@@ -20,6 +20,7 @@ class SqliteEngine final : public Engine {
                    const QVariantList& values, const QString& keyColumn,
                    const QVariant& key) const override;
     void execute(QSqlDatabase& db, const QStringList& statements) const override;
+    Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;

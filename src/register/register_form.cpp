@@ -129,8 +129,8 @@ void frmQivo账号一览表::Command1_Click() {
     for (int row = 1; row < MSFlexGrid2->Rows(); ++row) {
         members << MSFlexGrid2->RowData(row);
     }
-    Connection::cn().Execute(register_sql::terminateBatch(openedRegistration(), members));
-    LoadApprovedList();
+    decide(register_sql::terminateBatch(openedRegistration(), members),
+           [this] { LoadApprovedList(); });
 }
 
 void frmQivo账号一览表::Command2_Click() {

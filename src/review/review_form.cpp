@@ -111,8 +111,7 @@ void frmQivo账号审核::decideOpenedRow(const QString& question,
     if (widgets::MsgBox(question, widgets::vbYesNo) == widgets::vbNo) {
         return;
     }
-    Connection::cn().Execute(statement(openedRegistration()));
-    LoadPendingList();
+    decide(statement(openedRegistration()), [this] { LoadPendingList(); });
 }
 
 void frmQivo账号审核::Command2_Click() {
