@@ -128,6 +128,10 @@ TdsServer::Login readLogin(const QByteArray& record) {
     return {field(40), Reader::fromUcs2(password), field(64)};
 }
 
+QString quoted(const QString& text) {
+    return u'\'' + QString(text).replace(u'\'', QStringLiteral("''")) + u'\'';
+}
+
 class Session {
   public:
     Session(QTcpSocket* socket, const QString& path, Shared& shared)
@@ -247,6 +251,13 @@ class Session {
             return out.data;
         }
         language_ = given.language.isEmpty() ? shared_.defaultLanguage : given.language;
+        user_ = given.user;
+        const QString principals =
+            QStringLiteral(
+                "create temp view if not exists \"sys.server_principals\" as select "
+                "%1 as name, %2 as default_language_name")
+                .arg(quoted(given.user), quoted(shared_.defaultLanguage));
+        sqlite3_exec(db_, principals.toUtf8().constData(), nullptr, nullptr, nullptr);
         envChange(out, 1, "qivo", "master");
         envChangeBytes(out, 7, QByteArray("\x04\x08\xD0\x00\x00", 5), {});
         envChange(out, 2, language_, "");
@@ -372,7 +383,8 @@ class Session {
             return;
         }
         dropping_ = fault == TdsServer::Fault::Drop;
-        text.replace(QStringLiteral("@@language"), u'\'' + language_ + u'\'', Qt::CaseInsensitive);
+        text.replace(QStringLiteral("@@language"), quoted(language_), Qt::CaseInsensitive);
+        text.replace(QStringLiteral("suser_sname()"), quoted(user_), Qt::CaseInsensitive);
         text.replace(QStringLiteral("@@trancount"), sqlite3_get_autocommit(db_) ? "0" : "1",
                      Qt::CaseInsensitive);
         runText(db_, text, parameters, inProcedure, out);
@@ -411,6 +423,7 @@ class Session {
     bool dayFirst_;
     Shared& shared_;
     QString language_;
+    QString user_;
     bool dropping_ = false;
     sqlite3* db_ = nullptr;
     QByteArray input_;
