@@ -142,6 +142,33 @@ class OdbcScreensTest final : public QObject {
         odbc.server().holdStatements({}, 0);
     }
 
+    // A dropped connection comes back at the next action: a list read runs again unnoticed; an
+    // approval whose answer never came is not sent again, the reviewer is told, and the list
+    // shows what the server holds.
+    void droppedConnectionComesBack() {
+        test::OdbcFixture odbc([](test::FixtureDb& db) {
+            seedAccounts(db);
+            db.exec("create table approvals (HLWID int)");
+            db.exec(
+                "create trigger count_approvals after update of 审核人 on 业户互联网"
+                " begin insert into approvals values (new.HLWID); end");
+        });
+        test::MsgBoxRecorder boxes;
+        CurrentUserName = QStringLiteral("王丽");
+        frmQivo账号审核 form;
+        form.Show();
+        odbc.server().failNext(test::TdsServer::Fault::Drop, "审核人 Is Null");
+        form.Command4->click();
+        QCOMPARE(test::rowKeys(*form.MSFlexGrid1), QList<qint32>({102, 101}));
+        QVERIFY(boxes.messages.isEmpty());
+        test::clickCell(*form.MSFlexGrid1, 2, 7);
+        odbc.server().failNext(test::TdsServer::Fault::Drop, "Update 业户互联网");
+        form.Command3->click();
+        QCOMPARE(odbc.db.count("select count(*) from approvals"), 1);
+        QVERIFY(boxes.prompts().last().contains("无法确定"));
+        QCOMPARE(test::rowKeys(*form.MSFlexGrid1), QList<qint32>({102}));
+    }
+
     // The three deletes of a termination stand or fall together.
     void registerTerminationAllOrNothing() {
         test::OdbcFixture odbc([](test::FixtureDb& db) {

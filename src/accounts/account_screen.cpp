@@ -376,7 +376,14 @@ qint32 AccountScreen::openedRegistration() const {
 bool AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
     // The header row shows no registration, so no colleague can have taken it.
     const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
-    const bool changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
+    bool changed = false;
+    try {
+        changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
+    } catch (const database::ConnectionLost&) {
+        // The decision's fate is unknown: the list shows what the server holds.
+        reloadList();
+        throw;
+    }
     reloadList();
     if (!changed && shown) {
         widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),

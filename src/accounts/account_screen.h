@@ -96,7 +96,9 @@ class AccountScreen : public widgets::Form {
     qint32 openedRegistration() const;
     // Runs a decision on what the panel showed, then reloads the list. Each statement's own
     // condition holds only while the rows are as the list showed them; when a colleague changed
-    // them first, nothing changes and the reviewer is told so.
+    // them first, nothing changes and the reviewer is told so. When the connection went before
+    // the server answered, the list is reloaded all the same and the reviewer is told that the
+    // decision's fate is unknown.
     bool decide(const QString& sql, const std::function<void()>& reloadList);
     // Escape closes an open panel, as its close button does.
     void keyPressEvent(QKeyEvent* event) override;

@@ -65,8 +65,14 @@ void AdoConnection::Open() {
         QSqlDatabase::removeDatabase(name);
         throw;
     }
+    const QString previous = name_;
     engine_ = std::move(engine);
     name_ = name;
+    reopenDue_ = false;
+    if (!previous.isEmpty()) {
+        QSqlDatabase::database(previous, false).close();
+        QSqlDatabase::removeDatabase(previous);
+    }
 }
 
 bool AdoConnection::isOpen() const {
@@ -85,19 +91,62 @@ const Engine& AdoConnection::engine() const {
     return *engine_;
 }
 
-QSqlDatabase AdoConnection::database() const {
+QSqlDatabase AdoConnection::database() {
+    if (reopenDue_) {
+        Open();
+    }
     requireOpen();
     engine_->checkReachable();
     return QSqlDatabase::database(name_, false);
 }
 
 qint64 AdoConnection::Execute(const QString& sql, ExecuteOption option) {
-    QSqlDatabase db = database();
-    const QStringList statements = engine_->statements(sql);
+    const QStringList statements = engine().statements(sql);
     qint64 changed = 0;
-    engine_->run(
-        [&] { changed = engine_->execute(db, statements, option == adEveryStatementChanges); });
+    try {
+        QSqlDatabase db = database();
+        engine_->run(
+            [&] { changed = engine_->execute(db, statements, option == adEveryStatementChanges); });
+    } catch (const runtime::RuntimeError& error) {
+        recoverAfterWrite(error);
+        throw;
+    }
     return changed;
+}
+
+// After a failed command the connection must be back in autocommit with no transaction open,
+// or every later batch would run outside a transaction. One that cannot be brought back is
+// opened anew with the same settings: now, or at the next action while the server cannot be
+// reached. Returns whether the connection had been lost.
+bool AdoConnection::recover() {
+    if (!engine_ || reopenDue_) {
+        return false;
+    }
+    Engine::Standing standing;
+    {
+        QSqlDatabase db = QSqlDatabase::database(name_, false);
+        standing = engine_->settle(db);
+    }
+    if (standing == Engine::Standing::Settled) {
+        return false;
+    }
+    reopenDue_ = true;
+    try {
+        Open();
+    } catch (const runtime::RuntimeError&) {
+        // Still due: the next action tries again and reports why it cannot.
+    }
+    return standing == Engine::Standing::Lost;
+}
+
+// A write is never sent again: it may have taken effect before the connection went.
+void AdoConnection::recoverAfterWrite(const runtime::RuntimeError& error) {
+    if (recover()) {
+        throw ConnectionLost(error.number(),
+                             QStringLiteral("与数据库的连接中断，已重新连接。刚才的更改是否已经保存"
+                                            "无法确定，请核对后再操作。（") +
+                                 error.description() + u'）');
+    }
 }
 
 Recordset::Recordset() = default;
@@ -107,16 +156,27 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
                      LockType lock) {
     // Until the new query runs the set has no current record, so a failed Open leaves none.
     eof_ = true;
-    QSqlDatabase db = connection.database();
-    const QStringList statements = connection.engine().statements(sql);
+    const QString statement = connection.engine().statements(sql).value(0);
     connection_ = &connection;
     updatable_ = cursor == adOpenKeyset && lock == adLockOptimistic;
     table_ = updatable_ ? tableOf(sql) : QString();
     adding_ = false;
     cursor_.reset();
-    const Engine& engine = connection.engine();
-    cursor_ = watched<std::unique_ptr<RowCursor>>(
-        engine, [&] { return engine.select(db, statements.value(0)); });
+    const auto select = [&] {
+        QSqlDatabase db = connection.database();
+        const Engine& engine = connection.engine();
+        cursor_ = watched<std::unique_ptr<RowCursor>>(engine,
+                                                      [&] { return engine.select(db, statement); });
+    };
+    try {
+        select();
+    } catch (const runtime::RuntimeError&) {
+        // A read whose connection was lost runs once more, on the connection opened anew.
+        if (!connection.recover()) {
+            throw;
+        }
+        select();
+    }
     names_ = cursor_->columnNames();
     dates_.clear();
     for (int i = 0; i < names_.size(); ++i) {
@@ -263,6 +323,15 @@ void Recordset::Update() {
         throw runtime::RuntimeError(runtime::err::ProviderError,
                                     QStringLiteral("当前记录集不支持更新。"));
     }
+    try {
+        save();
+    } catch (const runtime::RuntimeError& error) {
+        connection_->recoverAfterWrite(error);
+        throw;
+    }
+}
+
+void Recordset::save() {
     cursor_.reset();
     const Engine& engine = connection_->engine();
     QSqlDatabase db = connection_->database();

@@ -11,12 +11,21 @@
 #include <optional>
 #include <vector>
 
+#include "runtime/runtime_error.h"
+
 class QSqlQuery;
 
 namespace qivo::database {
 
 class Engine;
 class RowCursor;
+
+// A write whose connection was lost before the server answered: whether it took effect is not
+// known. The connection has been opened anew (or will be at the next action).
+class ConnectionLost final : public runtime::RuntimeError {
+  public:
+    using RuntimeError::RuntimeError;
+};
 
 enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1 };
 enum LockType { adLockReadOnly = 1, adLockOptimistic = 3 };
@@ -49,15 +58,20 @@ class AdoConnection final {
     // rows the statements changed, 0 when the command was undone.
     qint64 Execute(const QString& sql, ExecuteOption option = adExecuteAll);
 
-    // For Recordset and the tests of the engines.
+    // For Recordset and the tests of the engines. The database opens anew first when a failure
+    // left the connection unusable.
     const Engine& engine() const;
-    QSqlDatabase database() const;
+    QSqlDatabase database();
 
   private:
+    friend class Recordset;
     void requireOpen() const;
+    bool recover();
+    void recoverAfterWrite(const runtime::RuntimeError& error);
 
     std::unique_ptr<Engine> engine_;
     QString name_;
+    bool reopenDue_ = false;
 };
 
 // A record set over one query. Forward-only read-only sets are for display; keyset optimistic
@@ -95,6 +109,7 @@ class Recordset final {
     int lookUpField(const QString& name) const;
     void fetchNext();
     void requireRecord() const;
+    void save();
     void readBack(const QString& keyColumn, const QVariant& key);
 
     AdoConnection* connection_ = nullptr;

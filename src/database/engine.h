@@ -14,8 +14,8 @@ namespace qivo::database {
 
 class RowCursor;
 
-// The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
-// with their single quotes removed; a value may hold ';' (see engine.cpp).
+// The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case, the catalog
+// and data source without their single quotes; a value may hold ';' (see engine.cpp).
 QMap<QString, QString> parseConnectionString(const QString& connectionString);
 
 // What differs between the two database engines.
@@ -62,6 +62,11 @@ class Engine {
     // Runs work that talks to the database (the calls above) so that a statement still running
     // after a moment shows the statement wait, and the user can cancel it there.
     virtual void run(const std::function<void()>& work) const = 0;
+
+    // How a connection stands after a failed command, once settle has tried to bring it back to
+    // autocommit with no transaction open.
+    enum class Standing { Settled, Unsettled, Lost };
+    virtual Standing settle(QSqlDatabase& db) const = 0;
 
   protected:
     // "update <table> set <column> = ?, ... where <key column> = ?" in this engine's quoting.

@@ -59,6 +59,22 @@ qint64 OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements,
     return runInTransaction(connectionHandle(db), statements, eachMustChange);
 }
 
+// A connection that cannot answer how many transactions it holds is as good as lost.
+Engine::Standing OdbcEngine::settle(QSqlDatabase& db) const {
+    void* connection = connectionHandle(db);
+    if (connectionDead(connection)) {
+        return Standing::Lost;
+    }
+    if (!autocommitRestored(connection)) {
+        return Standing::Unsettled;
+    }
+    try {
+        return openTransactions(connection) == 0 ? Standing::Settled : Standing::Unsettled;
+    } catch (const runtime::RuntimeError&) {
+        return Standing::Lost;
+    }
+}
+
 QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const {
     OdbcStatement statement(connectionHandle(db));
     statement.execute(

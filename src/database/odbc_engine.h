@@ -20,6 +20,7 @@ class OdbcEngine final : public Engine {
     qint64 execute(QSqlDatabase& db, const QStringList& statements,
                    bool eachMustChange) const override;
     QVariant dateValue(const QVariant& typed) const override;
+    Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
     void run(const std::function<void()>& work) const override;

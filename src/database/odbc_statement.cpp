@@ -377,4 +377,32 @@ qint64 runInTransaction(void* connection, const QStringList& statements, bool ea
     return changed;
 }
 
+bool connectionDead(void* connection) {
+    SQLULEN dead = SQL_CD_FALSE;
+    return SQL_SUCCEEDED(SQLGetConnectAttrW(connection, SQL_ATTR_CONNECTION_DEAD, &dead,
+                                            sizeof dead, nullptr)) &&
+           dead == SQL_CD_TRUE;
+}
+
+bool autocommitRestored(void* connection) {
+    auto autocommit = [connection] {
+        SQLULEN mode = SQL_AUTOCOMMIT_OFF;
+        SQLGetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT, &mode, sizeof mode, nullptr);
+        return mode == SQL_AUTOCOMMIT_ON;
+    };
+    if (!autocommit()) {
+        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+    }
+    return autocommit();
+}
+
+qint64 openTransactions(void* connection) {
+    OdbcStatement statement(connection);
+    statement.execute(QStringLiteral("select @@trancount"));
+    const OdbcRows rows = statement.readAll();
+    return rows.rows.empty() ? 0 : rows.rows.front().value(0).toLongLong();
+}
+
 }  // namespace qivo::database

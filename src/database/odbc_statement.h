@@ -70,6 +70,17 @@ class OdbcCursor final : public RowCursor {
 // answer is 0.
 qint64 runInTransaction(void* connection, const QStringList& statements, bool eachMustChange);
 
+// Whether the driver knows the connection to the server is gone.
+bool connectionDead(void* connection);
+
+// Rolls back and switches autocommit on again where the driver is still in manual-commit mode;
+// whether the driver is in autocommit mode afterwards. A driver can refuse the switch: FreeTDS
+// rolls back first, and a server that has itself ended the transaction refuses that (3903).
+bool autocommitRestored(void* connection);
+
+// The server's @@trancount for the connection.
+qint64 openTransactions(void* connection);
+
 // The error a failed call on an ODBC handle reports, as a runtime::RuntimeError.
 [[noreturn]] void throwOdbcError(short handleType, void* handle);
 

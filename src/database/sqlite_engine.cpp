@@ -168,6 +168,15 @@ void SqliteEngine::checkReachable() const {
     }
 }
 
+Engine::Standing SqliteEngine::settle(QSqlDatabase& db) const {
+    const QVariant handle = db.driver()->handle();
+    sqlite3* sqlite = *static_cast<sqlite3* const*>(handle.constData());
+    if (!sqlite3_get_autocommit(sqlite)) {
+        sqlite3_exec(sqlite, "rollback", nullptr, nullptr, nullptr);
+    }
+    return sqlite3_get_autocommit(sqlite) ? Standing::Settled : Standing::Unsettled;
+}
+
 QString SqliteEngine::quoteName(const QString& name) const {
     return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"';
 }

@@ -22,6 +22,7 @@ class SqliteEngine final : public Engine {
                    const QVariant& key) const override;
     qint64 execute(QSqlDatabase& db, const QStringList& statements,
                    bool eachMustChange) const override;
+    Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
