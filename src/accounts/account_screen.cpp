@@ -1,7 +1,7 @@
 #include "accounts/account_screen.h"
 
-#include <QKeyEvent>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QStyle>
 #include <algorithm>
 
@@ -66,11 +66,13 @@ QString accountListColumns() {
 
 AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     : widgets::Form(parent), design_(design) {
-    Label1[0] = addHeading(design.title, {120, 0, 6000, kTitleHeight}, this);
+    Label1[0] = addHeading(design.title, {120, 0, 2400, kTitleHeight}, this);
     MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
+    widgets::onEvent(FindBar1, &widgets::GridFindBar::openedOrClosed, this,
+                     [this] { Form_Resize(); });
     StatusBar1 = new widgets::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     buildPanel();
@@ -86,12 +88,27 @@ void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
     }
 }
 
-void AccountScreen::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && Picture1->isVisible()) {
-        closePanel();
-        return;
+bool AccountScreen::focusNextPrevChild(bool next) {
+    if (!Picture1->isVisible()) {
+        return widgets::Form::focusNextPrevChild(next);
     }
-    widgets::Form::keyPressEvent(event);
+    std::vector<QWidget*> ring{MSFlexGrid1};
+    for (QWidget* w = panelPage_->nextInFocusChain(); w != panelPage_; w = w->nextInFocusChain()) {
+        if (panelPage_->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
+            (w->focusPolicy() & Qt::TabFocus) != 0) {
+            ring.push_back(w);
+        }
+    }
+    const auto at = std::find(ring.begin(), ring.end(), focusWidget());
+    if (at == ring.end()) {
+        return widgets::Form::focusNextPrevChild(next);
+    }
+    const auto size = static_cast<std::ptrdiff_t>(ring.size());
+    const std::ptrdiff_t index = (at - ring.begin() + (next ? 1 : size - 1)) % size;
+    QWidget* target = ring[static_cast<std::size_t>(index)];
+    target->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    Picture1->ensureWidgetVisible(target);
+    return true;
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const widgets::TwipsRect& place,
@@ -111,15 +128,20 @@ QLabel* AccountScreen::addHeading(const QString& text, const widgets::TwipsRect&
 }
 
 void AccountScreen::buildPanel() {
-    Picture1 = new QFrame(this);
-    Picture1->setObjectName(QStringLiteral("Picture1"));
-    Picture1->setStyleSheet(QStringLiteral(
-        "QFrame#Picture1 { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, y1:0, "
-        "x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    Picture1 = new QScrollArea(this);
+    Picture1->setFrameShape(QFrame::NoFrame);
+    Picture1->setFocusPolicy(Qt::NoFocus);
+    panelPage_ = new QFrame;
+    panelPage_->setObjectName(QStringLiteral("Picture1Page"));
+    panelPage_->setStyleSheet(QStringLiteral(
+        "QFrame#Picture1Page { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, "
+        "y1:0, x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    widgets::setTwipsGeometry(panelPage_, design_.panel);
+    Picture1->setWidget(panelPage_);
     widgets::setTwipsGeometry(Picture1, design_.panel);
     const int closeSize = 360;
     Image1 = new widgets::ImageButton(
-        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), Picture1);
+        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), panelPage_);
     Image1->setToolTip(QStringLiteral("关闭"));
     widgets::setTwipsGeometry(Image1,
                               {design_.panel.width - closeSize - 120, 120, closeSize, closeSize});
@@ -151,8 +173,8 @@ void AccountScreen::buildOwnerFields(QPoint origin) {
 widgets::TextBox* AccountScreen::addField(const QString& label, QPoint origin, int line,
                                           QSize widths) {
     const int top = origin.y() + line * kRowStep;
-    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, Picture1);
-    auto* box = new widgets::TextBox(Picture1);
+    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, panelPage_);
+    auto* box = new widgets::TextBox(panelPage_);
     box->setReadOnly(true);
     widgets::setTwipsGeometry(
         box, {origin.x() + widths.width() + kLabelGap, top, widths.height(), kBoxHeight});
@@ -170,14 +192,19 @@ void AccountScreen::Form_Resize() {
         }
     };
 
+    // An open find bar takes its room from the list, above the status bar.
+    const int findRoom =
+        FindBar1->isVisible() ? widgets::pixelsToTwips(FindBar1->sizeHint().height()) : 0;
     widgets::TwipsRect grid = widgets::twipsGeometry(MSFlexGrid1);
     apply(height - widgets::twipsGeometry(Label1[0]).height -
-              widgets::twipsGeometry(StatusBar1).height - kGridFooter,
+              widgets::twipsGeometry(StatusBar1).height - kGridFooter - findRoom,
           grid.height);
     apply(width - design_.gridMargin, grid.width);
     widgets::setTwipsGeometry(MSFlexGrid1, grid);
 
     widgets::TwipsRect panel = widgets::twipsGeometry(Picture1);
+    panel.width = std::min(design_.panel.width, grid.width);
+    panel.height = std::min(design_.panel.height, grid.height);
     apply(grid.top + (grid.height - panel.height) / 2, panel.top);
     apply(grid.left + (grid.width - panel.width) / 2, panel.left);
     widgets::setTwipsGeometry(Picture1, panel);
@@ -300,6 +327,12 @@ void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleR
         return (twips + widgets::kTwipsPerPixel - 1) / widgets::kTwipsPerPixel;
     };
     setMinimumSize(pixels(width), pixels(height));
+}
+
+void AccountScreen::openWideEnoughForList() {
+    const int list = MSFlexGrid1->shownColumnsWidth() + 2 * MSFlexGrid1->frameWidth() +
+                     MSFlexGrid1->verticalScrollBar()->sizeHint().width();
+    resize(std::max(width(), list + widgets::twipsToPixels(design_.gridMargin)), height());
 }
 
 void AccountScreen::openPanel(int row) {

@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <array>
 #include <functional>
 #include <map>
@@ -47,7 +48,9 @@ class AccountScreen : public widgets::Form {
     widgets::StatusBar* StatusBar1 = nullptr;
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;
-    QFrame* Picture1 = nullptr;
+    // The detail panel: its own design size where the list leaves room for it, scrolling
+    // over a smaller list (a small screen at a large scale).
+    QScrollArea* Picture1 = nullptr;
     widgets::ImageButton* Image1 = nullptr;
     std::array<widgets::TextBox*, 5> Text1{};
     std::array<widgets::TextBox*, 11> Text2{};
@@ -87,8 +90,12 @@ class AccountScreen : public widgets::Form {
     void closePanel();
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
-    // Escape closes an open panel, as its close button does.
-    void keyPressEvent(QKeyEvent* event) override;
+    // The panel's controls go on this page.
+    QWidget* panelPage() const { return panelPage_; }
+    // With the panel open, Tab goes round the list and the panel's boxes and buttons.
+    bool focusNextPrevChild(bool next) override;
+    // Opens wide enough to show every list column beside the list's vertical scroll bar.
+    void openWideEnoughForList();
     // The smallest window at which the panel fits whole over the list and the corner buttons
     // stay clear of titleRow, the other controls along the top; the resize rules hold above it.
     void setSmallestSize(std::initializer_list<const QWidget*> titleRow);
@@ -102,6 +109,7 @@ class AccountScreen : public widgets::Form {
     void dockStatusBar();
 
     AccountScreenDesign design_;
+    QFrame* panelPage_ = nullptr;
     std::optional<qint32> opened_;
 };
 
