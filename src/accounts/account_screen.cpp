@@ -75,6 +75,7 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
                      [this] { Form_Resize(); });
     StatusBar1 = new widgets::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
+    StatusBar1->installEventFilter(this);
     buildPanel();
     // The list has the keyboard first: arrow keys move along it, Enter opens a row.
     MSFlexGrid1->setFocus();
@@ -86,6 +87,13 @@ void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
     if (keyAscii == 13) {
         MSFlexGrid1_DblClick();
     }
+}
+
+bool AccountScreen::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == StatusBar1 && event->type() == QEvent::LayoutRequest) {
+        widgets::guarded([this] { Form_Resize(); });
+    }
+    return widgets::Form::eventFilter(watched, event);
 }
 
 bool AccountScreen::focusNextPrevChild(bool next) {
@@ -281,8 +289,15 @@ void AccountScreen::fillList(
     const QString& sql, const std::function<void(int row, const database::Recordset&)>& finishRow) {
     database::Recordset record;
     record.Open(sql, Connection::cn());
+    // Hiding the list would send the keyboard on to the next control; it comes back.
+    const bool hadKeyboard = MSFlexGrid1->hasFocus();
     MSFlexGrid1->setVisible(false);
-    const auto showAgain = qScopeGuard([this] { MSFlexGrid1->setVisible(true); });
+    const auto showAgain = qScopeGuard([this, hadKeyboard] {
+        MSFlexGrid1->setVisible(true);
+        if (hadKeyboard) {
+            MSFlexGrid1->setFocus();
+        }
+    });
     MSFlexGrid1->setRows(1);
     const int keyCol = MSFlexGrid1->Cols() - 1;
     QStringList listColumns;

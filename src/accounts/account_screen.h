@@ -90,6 +90,8 @@ class AccountScreen : public widgets::Form {
     void closePanel();
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
+    // The status bar keeps to the bottom edge whenever its height changes.
+    bool eventFilter(QObject* watched, QEvent* event) override;
     // The panel's controls go on this page.
     QWidget* panelPage() const { return panelPage_; }
     // With the panel open, Tab goes round the list and the panel's boxes and buttons.
