@@ -214,7 +214,7 @@ class TestRegister final : public QObject {
         QVERIFY(form->Command4->x() > form->Label1[0]->geometry().right());
     }
 
-    void panelClosesByKeyButtonAndRefresh() {
+    void panelClosesByKeyButtonAndRefreshTerminatesByKeys() {
         form->MSFlexGrid1->setRow(4);
         QTest::keyClick(form->MSFlexGrid1, Qt::Key_Enter);
         QCOMPARE(form->MSFlexGrid2->Rows(), 4);
@@ -229,9 +229,21 @@ class TestRegister final : public QObject {
         QVERIFY(!form->Picture1->isVisible());
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202, 201}));
 
-        // 退出 closes only this screen.
+        // By keys: Enter opens household 1, Ctrl+Delete terminates it with its member accounts.
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        form->MSFlexGrid1->setFocus();
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Return);
+        QCOMPARE(form->MSFlexGrid2->Rows(), 4);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Delete, Qt::ControlModifier);
+        QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID in (201, 211, 212, 213)"),
+                 0);
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202}));
+        QCOMPARE(form->Command1->toolTip(), QString("Ctrl+Del 终止"));
+
+        // 退出 (Ctrl+W) closes only this screen.
         test::EndRecorder ends;
-        form->Command5->click();
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_W, Qt::ControlModifier);
         QVERIFY(!form->isVisible());
         QCOMPARE(ends.count, 0);
     }

@@ -2,8 +2,8 @@
 
 #include <QAction>
 #include <QDate>
-#include <QKeyEvent>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QStyle>
 #include <algorithm>
 
@@ -82,15 +82,18 @@ QString accountListColumns() {
 
 AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     : widgets::Form(parent), design_(design) {
-    Label1[0] = addHeading(design.title, {120, 0, 6000, kTitleHeight}, this);
+    Label1[0] = addHeading(design.title, {120, 0, 2400, kTitleHeight}, this);
     MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
+    widgets::onEvent(FindBar1, &widgets::GridFindBar::openedOrClosed, this,
+                     [this] { Form_Resize(); });
     StatusBar1 = new widgets::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     StatusBar1->addPanel(0);
     StatusBar1->addPanel(2);
+    StatusBar1->installEventFilter(this);
     buildPanel();
     addExportAction();
     // The list has the keyboard first: arrow keys move along it, Enter opens a row.
@@ -105,12 +108,34 @@ void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
     }
 }
 
-void AccountScreen::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && Picture1->isVisible()) {
-        closePanel();
-        return;
+bool AccountScreen::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == StatusBar1 && event->type() == QEvent::LayoutRequest) {
+        widgets::guarded([this] { Form_Resize(); });
     }
-    widgets::Form::keyPressEvent(event);
+    return widgets::Form::eventFilter(watched, event);
+}
+
+bool AccountScreen::focusNextPrevChild(bool next) {
+    if (!Picture1->isVisible()) {
+        return widgets::Form::focusNextPrevChild(next);
+    }
+    std::vector<QWidget*> ring{MSFlexGrid1};
+    for (QWidget* w = panelPage_->nextInFocusChain(); w != panelPage_; w = w->nextInFocusChain()) {
+        if (panelPage_->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
+            (w->focusPolicy() & Qt::TabFocus) != 0) {
+            ring.push_back(w);
+        }
+    }
+    const auto at = std::find(ring.begin(), ring.end(), focusWidget());
+    if (at == ring.end()) {
+        return widgets::Form::focusNextPrevChild(next);
+    }
+    const auto size = static_cast<std::ptrdiff_t>(ring.size());
+    const std::ptrdiff_t index = (at - ring.begin() + (next ? 1 : size - 1)) % size;
+    QWidget* target = ring[static_cast<std::size_t>(index)];
+    target->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    Picture1->ensureWidgetVisible(target);
+    return true;
 }
 
 // Ctrl+E anywhere in the window, and the list's context menu.
@@ -147,15 +172,20 @@ QLabel* AccountScreen::addHeading(const QString& text, const widgets::TwipsRect&
 }
 
 void AccountScreen::buildPanel() {
-    Picture1 = new QFrame(this);
-    Picture1->setObjectName(QStringLiteral("Picture1"));
-    Picture1->setStyleSheet(QStringLiteral(
-        "QFrame#Picture1 { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, y1:0, "
-        "x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    Picture1 = new QScrollArea(this);
+    Picture1->setFrameShape(QFrame::NoFrame);
+    Picture1->setFocusPolicy(Qt::NoFocus);
+    panelPage_ = new QFrame;
+    panelPage_->setObjectName(QStringLiteral("Picture1Page"));
+    panelPage_->setStyleSheet(QStringLiteral(
+        "QFrame#Picture1Page { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, "
+        "y1:0, x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    widgets::setTwipsGeometry(panelPage_, design_.panel);
+    Picture1->setWidget(panelPage_);
     widgets::setTwipsGeometry(Picture1, design_.panel);
     const int closeSize = 360;
     Image1 = new widgets::ImageButton(
-        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), Picture1);
+        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), panelPage_);
     Image1->setToolTip(QStringLiteral("关闭"));
     widgets::setTwipsGeometry(Image1,
                               {design_.panel.width - closeSize - 120, 120, closeSize, closeSize});
@@ -187,8 +217,8 @@ void AccountScreen::buildOwnerFields(QPoint origin) {
 widgets::TextBox* AccountScreen::addField(const QString& label, QPoint origin, int line,
                                           QSize widths) {
     const int top = origin.y() + line * kRowStep;
-    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, Picture1);
-    auto* box = new widgets::TextBox(Picture1);
+    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, panelPage_);
+    auto* box = new widgets::TextBox(panelPage_);
     box->setReadOnly(true);
     widgets::setTwipsGeometry(
         box, {origin.x() + widths.width() + kLabelGap, top, widths.height(), kBoxHeight});
@@ -206,14 +236,19 @@ void AccountScreen::Form_Resize() {
         }
     };
 
+    // An open find bar takes its room from the list, above the status bar.
+    const int findRoom =
+        FindBar1->isVisible() ? widgets::pixelsToTwips(FindBar1->sizeHint().height()) : 0;
     widgets::TwipsRect grid = widgets::twipsGeometry(MSFlexGrid1);
     apply(height - widgets::twipsGeometry(Label1[0]).height -
-              widgets::twipsGeometry(StatusBar1).height - kGridFooter,
+              widgets::twipsGeometry(StatusBar1).height - kGridFooter - findRoom,
           grid.height);
     apply(width - design_.gridMargin, grid.width);
     widgets::setTwipsGeometry(MSFlexGrid1, grid);
 
     widgets::TwipsRect panel = widgets::twipsGeometry(Picture1);
+    panel.width = std::min(design_.panel.width, grid.width);
+    panel.height = std::min(design_.panel.height, grid.height);
     apply(grid.top + (grid.height - panel.height) / 2, panel.top);
     apply(grid.left + (grid.width - panel.width) / 2, panel.left);
     widgets::setTwipsGeometry(Picture1, panel);
@@ -290,10 +325,15 @@ void AccountScreen::fillList(
     const QString& sql, const std::function<void(int row, const database::Recordset&)>& finishRow) {
     database::Recordset record;
     record.Open(sql, Connection::cn());
+    // Hiding the list would send the keyboard on to the next control; it comes back.
+    const bool hadKeyboard = MSFlexGrid1->hasFocus();
     MSFlexGrid1->setVisible(false);
-    const auto showAgain = qScopeGuard([this] {
+    const auto showAgain = qScopeGuard([this, hadKeyboard] {
         MSFlexGrid1->setVisible(true);
         showListCount();
+        if (hadKeyboard) {
+            MSFlexGrid1->setFocus();
+        }
     });
     MSFlexGrid1->setRows(1);
     const int keyCol = MSFlexGrid1->Cols() - 1;
@@ -352,6 +392,12 @@ void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleR
         return (twips + widgets::kTwipsPerPixel - 1) / widgets::kTwipsPerPixel;
     };
     setMinimumSize(pixels(width), pixels(height));
+}
+
+void AccountScreen::openWideEnoughForList() {
+    const int list = MSFlexGrid1->shownColumnsWidth() + 2 * MSFlexGrid1->frameWidth() +
+                     MSFlexGrid1->verticalScrollBar()->sizeHint().width();
+    resize(std::max(width(), list + widgets::twipsToPixels(design_.gridMargin)), height());
 }
 
 void AccountScreen::openPanel(int row) {

@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <array>
 #include <functional>
 #include <map>
@@ -48,7 +49,9 @@ class AccountScreen : public widgets::Form {
     widgets::StatusBar* StatusBar1 = nullptr;
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;
-    QFrame* Picture1 = nullptr;
+    // The detail panel: its own design size where the list leaves room for it, scrolling
+    // over a smaller list (a small screen at a large scale).
+    QScrollArea* Picture1 = nullptr;
     widgets::ImageButton* Image1 = nullptr;
     std::array<widgets::TextBox*, 5> Text1{};
     std::array<widgets::TextBox*, 11> Text2{};
@@ -100,8 +103,14 @@ class AccountScreen : public widgets::Form {
     // the server answered, the list is reloaded all the same and the reviewer is told that the
     // decision's fate is unknown.
     bool decide(const QString& sql, const std::function<void()>& reloadList);
-    // Escape closes an open panel, as its close button does.
-    void keyPressEvent(QKeyEvent* event) override;
+    // The status bar keeps to the bottom edge whenever its height changes.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    // The panel's controls go on this page.
+    QWidget* panelPage() const { return panelPage_; }
+    // With the panel open, Tab goes round the list and the panel's boxes and buttons.
+    bool focusNextPrevChild(bool next) override;
+    // Opens wide enough to show every list column beside the list's vertical scroll bar.
+    void openWideEnoughForList();
     // The smallest window at which the panel fits whole over the list and the corner buttons
     // stay clear of titleRow, the other controls along the top; the resize rules hold above it.
     void setSmallestSize(std::initializer_list<const QWidget*> titleRow);
@@ -117,6 +126,7 @@ class AccountScreen : public widgets::Form {
     void showListCount();
 
     AccountScreenDesign design_;
+    QFrame* panelPage_ = nullptr;
     std::optional<qint32> opened_;
 };
 
