@@ -37,6 +37,15 @@ class TestAppOwner final : public QObject {
         return keyOut->data();
     }
 
+    // The built program, run to its end.
+    static void runProgram(QProcess& process, const QString& program, const QStringList& options) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        process.setProcessEnvironment(environment);
+        process.start(program, options);
+        QVERIFY(process.waitForFinished(10000));
+    }
+
   private Q_SLOTS:
     void storedOwnerHandsBackItsKey() {
         test::FixtureDb db;
@@ -80,6 +89,37 @@ class TestAppOwner final : public QObject {
         QCOMPARE(end.count, 1);
     }
 
+    // --help and --version answer on standard output; an unknown option is refused with the
+    // usage instead of being taken for a session.
+    void informationOptions_data() {
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("out");
+        QTest::addColumn<QString>("err");
+        QTest::newRow("help") << "--help" << 0 << "--new-owner S_ID" << QString();
+        QTest::newRow("version") << "--version" << 0 << "1.0\n" << QString();
+        QTest::newRow("unknown") << "--bogus" << 2 << QString() << "未知选项 --bogus";
+    }
+    void informationOptions() {
+        QFETCH(QString, option);
+        QFETCH(int, status);
+        QFETCH(QString, out);
+        QFETCH(QString, err);
+        const QString program = qEnvironmentVariable("QIVO_REVIEW");
+        if (!QFile::exists(program)) {
+            QSKIP("the program qivo-review is not built");
+        }
+        QProcess process;
+        runProgram(process, program, {"1001,王丽", option});
+        QCOMPARE(process.exitCode(), status);
+        const QString shown = QString::fromUtf8(process.readAllStandardOutput());
+        const QString refused = QString::fromUtf8(process.readAllStandardError());
+        QVERIFY2(out.isEmpty() ? shown.isEmpty() : shown.contains(out), qPrintable(shown));
+        QVERIFY2(err.isEmpty() ? refused.isEmpty() : refused.contains(err), qPrintable(refused));
+        QVERIFY((shown + refused).contains(runtime::settingsLocation("Merivane", "DBConfig")) ==
+                (option != "--version"));
+    }
+
     void programRefusesAMissingKey_data() {
         QTest::addColumn<QStringList>("options");
         QTest::addColumn<QString>("told");
@@ -96,11 +136,7 @@ class TestAppOwner final : public QObject {
         }
         test::FixtureDb db;  // the program reads its settings from this suite's store
         QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
-        process.setProcessEnvironment(environment);
-        process.start(program, options);
-        QVERIFY(process.waitForFinished(10000));
+        runProgram(process, program, options);
         QCOMPARE(process.exitCode(), 2);
         QCOMPARE(process.readAllStandardOutput(), QByteArray());
         QVERIFY(QString::fromUtf8(process.readAllStandardError()).contains(told));

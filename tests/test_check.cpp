@@ -110,6 +110,8 @@ class CheckTest final : public QObject {
                            "业主表.说明 nvarchar(10)",
                            "业主表 自增列 ZH_ID，触发器 无",
                            "✓ 保存与终止（回滚）",
+                           "✓ 登录语言和日期格式：语言 简体中文（登录的默认语言 简体中文）",
+                           "✓ 失败命令后的连接：已回到自动提交",
                            "✓ 程序使用的每张表和每一列都在"};
         QTest::newRow("rollback keeps writes")
             << true << int(check::SomethingMissing)
@@ -126,6 +128,7 @@ class CheckTest final : public QObject {
             db.exec("insert into 业户互联网 (ZH_ID, 属性) values (1, '业主'), (1, '成员')");
         });
         odbc.server().setDayFirstLogins(true);
+        odbc.server().setDefaultLanguage("简体中文");
         odbc.server().setRollbackKeepsWrites(rollbackKeeps);
         QString report;
         QTextStream out(&report);

@@ -31,8 +31,9 @@ class TestFindBar final : public QObject {
     Q_OBJECT
     std::unique_ptr<test::FixtureDb> db;
 
-    // Ctrl+F, a search that selects the household's row and opens nothing, Escape, then a
-    // double-click that opens the found row as usual.
+    // Ctrl+F opens the bar between the list and the status bar, a search selects the household's
+    // row and opens nothing, Escape gives the list its room back, then a double-click opens the
+    // found row as usual.
     template <class Screen>
     void findThenOpen(const QString& typed, int foundRow) {
         test::EndRecorder ends;  // closing the review screen ends the program
@@ -41,14 +42,18 @@ class TestFindBar final : public QObject {
         screen.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&screen));
         screen.MSFlexGrid1->setFocus();
+        const QRect list = screen.MSFlexGrid1->geometry();
         QTest::keyClick(screen.MSFlexGrid1, Qt::Key_F, Qt::ControlModifier);
         QVERIFY(screen.FindBar1->isVisible());
+        QCOMPARE(screen.FindBar1->geometry().top(), screen.MSFlexGrid1->geometry().bottom() + 1);
+        QVERIFY(screen.FindBar1->geometry().bottom() < screen.StatusBar1->geometry().top());
         screen.FindBar1->findText()->insert(typed);
         QCOMPARE(screen.MSFlexGrid1->Row(), foundRow);
         QCOMPARE(screen.FindBar1->result(), QStringLiteral("1 / 1"));
         QVERIFY(!screen.Picture1->isVisible());
         QTest::keyClick(screen.FindBar1->findText(), Qt::Key_Escape);
         QVERIFY(!screen.FindBar1->isVisible());
+        QCOMPARE(screen.MSFlexGrid1->geometry(), list);
         QVERIFY(!screen.Picture1->isVisible());
         screen.MSFlexGrid1_DblClick();
         QVERIFY(screen.Picture1->isVisible());

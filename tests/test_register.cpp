@@ -94,6 +94,7 @@ class TestRegister final : public QObject {
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("李强"));
         QCOMPARE(form->StatusBar1->panelText(3), QString());  // a session without a post
+        QCOMPARE(form->StatusBar1->panelText(4), QString("已审核 4 户"));
         QCOMPARE(form->Label1[0]->text(), QString("已审核Qivo账号"));
     }
 
@@ -160,6 +161,9 @@ class TestRegister final : public QObject {
                  0);
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({204, 203, 202}));
         QVERIFY(!form->Picture1->isVisible());
+        QCOMPARE(form->StatusBar1->panelText(4), QString("已审核 3 户"));
+        QCOMPARE(form->StatusBar1->panelText(5),
+                 QString("已终止：王建国 10栋101室，连同名下成员账号 3 个"));
 
         // Household 2 has no member accounts: one question, one delete.
         messages->messages.clear();
@@ -167,6 +171,7 @@ class TestRegister final : public QObject {
         form->Command1->click();
         QCOMPARE(messages->prompts(), QStringList({"确认要终止这个Qivo账号"}));
         QCOMPARE(accounts(), 4);
+        QCOMPARE(form->StatusBar1->panelText(5), QString("已终止：李娜 2栋1001"));
     }
 
     void failingDeleteLeavesEveryAccount() {
@@ -179,6 +184,13 @@ class TestRegister final : public QObject {
         QCOMPARE(accounts(), 9);
         QVERIFY(form->Picture1->isVisible());
         QCOMPARE(form->MSFlexGrid1->Rows(), 5);
+
+        // A colleague ended member account 211 meanwhile: nothing is deleted, the list reloads.
+        db->exec("Delete 业户互联网 Where HLWID= 211");
+        form->Command1->click();
+        QCOMPARE(messages->messages.last().prompt, QString("该Qivo账号已由他人处理，列表已刷新"));
+        QCOMPARE(accounts(), 8);
+        QVERIFY(!form->Picture1->isVisible());
     }
 
     void resizeFollowsRegisterConstants() {
@@ -202,7 +214,7 @@ class TestRegister final : public QObject {
         QVERIFY(form->Command4->x() > form->Label1[0]->geometry().right());
     }
 
-    void panelClosesByKeyButtonAndRefresh() {
+    void panelClosesByKeyButtonAndRefreshTerminatesByKeys() {
         form->MSFlexGrid1->setRow(4);
         QTest::keyClick(form->MSFlexGrid1, Qt::Key_Enter);
         QCOMPARE(form->MSFlexGrid2->Rows(), 4);
@@ -217,9 +229,21 @@ class TestRegister final : public QObject {
         QVERIFY(!form->Picture1->isVisible());
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202, 201}));
 
-        // 退出 closes only this screen.
+        // By keys: Enter opens household 1, Ctrl+Delete terminates it with its member accounts.
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        form->MSFlexGrid1->setFocus();
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Return);
+        QCOMPARE(form->MSFlexGrid2->Rows(), 4);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Delete, Qt::ControlModifier);
+        QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID in (201, 211, 212, 213)"),
+                 0);
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({203, 202}));
+        QCOMPARE(form->Command1->toolTip(), QString("Ctrl+Del 终止"));
+
+        // 退出 (Ctrl+W) closes only this screen.
         test::EndRecorder ends;
-        form->Command5->click();
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_W, Qt::ControlModifier);
         QVERIFY(!form->isVisible());
         QCOMPARE(ends.count, 0);
     }

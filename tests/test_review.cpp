@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QFile>
 #include <memory>
 
 #include "accounts/register_opener.h"
@@ -9,6 +10,7 @@
 #include "support/account_fixture.h"
 #include "support/grid_actions.h"
 #include "support/test_support.h"
+#include "widgets/grid_export.h"
 #include "widgets/twips.h"
 
 using namespace qivo;
@@ -55,6 +57,9 @@ class TestReview final : public QObject {
             "A On A.GYD_DH = B.管理处 where 业户互联网.审核人 Is Null And 业户互联网.属性 = '业主' "
             " "
             "order by 项目,"));
+        QCOMPARE(groupThousands(35) + '|' + groupThousands(1204) + '|' + groupThousands(100000) +
+                     '|' + groupThousands(1234567),
+                 QString("35|1 204|100 000|1 234 567"));
     }
 
     void init() {
@@ -99,6 +104,7 @@ class TestReview final : public QObject {
         }
         QCOMPARE(form->StatusBar1->panelText(2), QString("王丽"));
         QCOMPARE(form->StatusBar1->panelText(3), QString("客服中心 审核员"));
+        QCOMPARE(form->StatusBar1->panelText(4), QString("待审核 4 条"));
         QVERIFY(grid.isVisible());
         QVERIFY(!form->Picture1->isVisible());
     }
@@ -147,31 +153,58 @@ class TestReview final : public QObject {
         QVERIFY(form->Picture1->isVisible());
     }
 
-    // Enter opens the current row as a double-click does; Escape closes the panel as 关闭 does,
-    // wherever on the screen the focus is.
-    void panelOpensAndCloses() {
-        form->MSFlexGrid1->setRow(2);
-        QTest::keyClick(form->MSFlexGrid1, Qt::Key_Return);
-        QVERIFY(form->Picture1->isVisible());
+    // By keys alone: Tab leaves the list; Enter opens the current row; with the panel open Tab
+    // goes round its boxes and buttons back to the list; Escape closes; Ctrl+Enter approves and
+    // Ctrl+Delete rejects the opened registration; F5 refreshes. Tool tips name the keys. The
+    // close image shows pressed under any mouse button; the left one's click closes the panel.
+    void reviewByKeyboardAndCloseImage() {
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        const auto key = [](int code, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key(code), modifiers);
+        };
+        const auto focusIs = [](QWidget* widget) { return QApplication::focusWidget() == widget; };
+        key(Qt::Key_Tab);
+        QVERIFY(!form->MSFlexGrid1->hasFocus());
+        key(Qt::Key_Backtab);
+        key(Qt::Key_Home, Qt::ControlModifier);
+        key(Qt::Key_Down);
+        key(Qt::Key_Return);
         QCOMPARE(form->Text1[2]->text(), QString("张伟"));
-        QTest::keyClick(form->Command3, Qt::Key_Escape);
+        key(Qt::Key_Tab);
+        QVERIFY(focusIs(form->Text1[0]->editor()));
+        key(Qt::Key_Backtab);
+        key(Qt::Key_Backtab);
+        QVERIFY(focusIs(form->Command2));
+        key(Qt::Key_Tab);
+        QVERIFY(focusIs(form->MSFlexGrid1));
+        QCOMPARE(QStringList({form->Command3->toolTip(), form->Command1->toolTip(),
+                              form->Command2->toolTip(), form->Command4->toolTip(),
+                              form->Command5->toolTip(), form->Command6->text()}),
+                 QStringList({"Ctrl+Enter 审核同意", "Ctrl+Del 审核不同意", "Esc 关闭", "F5 刷新",
+                              "Ctrl+W 退出", "已审核&Qivo账号"}));
+        key(Qt::Key_Escape);
         QVERIFY(!form->Picture1->isVisible());
-        QCOMPARE(pending(), 7);
-        QVERIFY(messages->messages.isEmpty());
+        key(Qt::Key_Enter);
+        messages->answer(widgets::vbNo);
+        key(Qt::Key_Enter, Qt::ControlModifier);
+        key(Qt::Key_Return, Qt::ControlModifier);
+        key(Qt::Key_Delete, Qt::ControlModifier);  // no panel open, nothing to reject
+        QCOMPARE(messages->messages.size(), 2);
+        QCOMPARE(db->scalar("select 审核人 from 业户互联网 where HLWID = 103"), QVariant("王丽"));
+        key(Qt::Key_Home, Qt::ControlModifier);
+        key(Qt::Key_Return);
+        key(Qt::Key_Delete, Qt::ControlModifier);
+        QCOMPARE(messages->prompts().last(), QString("确认该Qivo账号审核不通过？"));
+        db->exec("Delete 业户互联网 Where HLWID = 102");
+        key(Qt::Key_F5);
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({101}));
 
-        // The close image shows pressed while the left button holds it; 关闭 closes as well.
-        test::clickCell(*form->MSFlexGrid1, 1, 7);
-        QTest::mouseClick(form->Image1, Qt::RightButton);  // the left button only
-        QCOMPARE(form->Image1->BorderStyle(), 0);
-        QVERIFY(form->Picture1->isVisible());
-        QTest::mousePress(form->Image1, Qt::LeftButton);
+        key(Qt::Key_Return);
+        QTest::mousePress(form->Image1, Qt::RightButton);
         QCOMPARE(form->Image1->BorderStyle(), 1);
-        QVERIFY(form->Picture1->isVisible());
-        QTest::mouseRelease(form->Image1, Qt::LeftButton);
+        QTest::mouseRelease(form->Image1, Qt::RightButton);
         QCOMPARE(form->Image1->BorderStyle(), 0);
-        QVERIFY(!form->Picture1->isVisible());
-        test::clickCell(*form->MSFlexGrid1, 1, 7);
-        form->Command2->click();
+        QTest::mouseClick(form->Image1, Qt::LeftButton);
         QVERIFY(!form->Picture1->isVisible());
     }
 
@@ -195,6 +228,7 @@ class TestReview final : public QObject {
         form->Command3->click();
         QCOMPARE(pending(), 7);
         QVERIFY(form->Picture1->isVisible());
+        QCOMPARE(form->StatusBar1->panelText(5), QString());
 
         form->Command3->click();
         QCOMPARE(messages->messages.last().prompt, QString("确认该Qivo账号审核通过？"));
@@ -207,6 +241,8 @@ class TestReview final : public QObject {
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 102, 101}));
         QCOMPARE(form->MSFlexGrid1->TextMatrix(3, 0), QString("3"));
         QVERIFY(!form->Picture1->isVisible());
+        QCOMPARE(form->StatusBar1->panelText(4), QString("待审核 3 条"));
+        QCOMPARE(form->StatusBar1->panelText(5), QString("已审核通过：张伟 2栋201室"));
 
         // A super-user session approves under an empty name: reviewed all the same.
         CurrentUserName.clear();
@@ -230,6 +266,37 @@ class TestReview final : public QObject {
         QCOMPARE(db->count("select count(*) from 业户互联网 where HLWID = 102"), 0);
         QCOMPARE(db->count("select count(*) from 业户互联网"), 7);
         QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 103, 101}));
+        QCOMPARE(form->StatusBar1->panelText(5), QString("已审核不通过：李娜 2栋1001"));
+
+        // A colleague approved 101 meanwhile: it stays approved, and the reviewer is told.
+        test::clickCell(*form->MSFlexGrid1, 3, 7);
+        db->exec("Update 业户互联网 Set 审核人 = '李强' Where HLWID = 101");
+        form->Command1->click();
+        QCOMPARE(messages->messages.last().prompt, QString("该Qivo账号已由他人处理，列表已刷新"));
+        QCOMPARE(db->count("select count(*) from 业户互联网 where 审核人 = '李强'"), 1);
+        QCOMPARE(test::rowKeys(*form->MSFlexGrid1), QList<qint32>({104, 103}));
+        QCOMPARE(form->StatusBar1->panelText(5), QString("已审核不通过：李娜 2栋1001"));
+    }
+
+    // Ctrl+E offers the screen's name and today's date, and saves the list as shown.
+    void exportSavesTheListAsShown() {
+        QTemporaryDir dir;
+        QString proposed;
+        widgets::setSaveFileResponder([&](const QString& name) {
+            proposed = name;
+            return dir.filePath("list.csv");
+        });
+        form->MSFlexGrid1->setRow(3);
+        QTest::keyClick(form->MSFlexGrid1, Qt::Key_E, Qt::ControlModifier);
+        widgets::setSaveFileResponder({});
+        QCOMPARE(proposed, "待审核Qivo账号-" + QDate::currentDate().toString("yyyyMMdd") + ".csv");
+        QFile file(dir.filePath("list.csv"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        QCOMPARE(lines[0],
+                 QByteArray("\xEF\xBB\xBF序,项目名称,地址,Qivo号,姓名,身份证号,手机号,操作\r"));
+        QCOMPARE(lines[1], QByteArray("1,白云小区,1号楼3单元5室,,赵六,330104,13600000004,审核\r"));
+        QCOMPARE(form->MSFlexGrid1->Row(), 3);
     }
 
     void resizeFollowsReviewConstants() {

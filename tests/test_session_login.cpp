@@ -167,6 +167,19 @@ class LoginTest final : public QObject {
         QCOMPARE(signIn.boxes.messages.size(), 2);
         QCOMPARE(signIn.boxes.messages[1].prompt, QString("数据库连接失败!"));
         QCOMPARE(signIn.ends.count, 1);
+
+        // No server in the settings: one message that says where they are read from.
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", "");
+        signIn.boxes.messages.clear();
+        signIn.press("1001", "pw");
+        QCOMPARE(signIn.boxes.messages.size(), 1);
+        const QString told = signIn.boxes.messages[0].prompt;
+        for (const QString& part :
+             {runtime::settingsLocation("Merivane", "DBConfig"), QString("Svr"), QString("UID"),
+              QString("PWD"), QString("DBname"), QString("qivo-review --check")}) {
+            QVERIFY2(told.contains(part), qPrintable(part));
+        }
+        QCOMPARE(signIn.ends.count, 2);
     }
 
     void commandLineStart() {

@@ -1,9 +1,12 @@
+#include <QFile>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QWidget>
 
 #include "support/test_support.h"
 #include "widgets/flex_grid.h"
+#include "widgets/grid_export.h"
 #include "widgets/grid_find_bar.h"
 
 using namespace qivo;
@@ -242,6 +245,38 @@ class TestPlatformGrid final : public QObject {
         list.bar->findNext();
         QCOMPARE(list.grid->Row(), 299);
         QCOMPARE(list.bar->result(), QString());
+    }
+
+    // The file holds the shown columns in their shown order, without the hidden key or the row
+    // data; a file that cannot be written is reported, a cancelled dialog writes nothing.
+    void exportWritesTheGridAsShown() {
+        Window list;
+        list.grid->setTextMatrix(1, 1, QStringLiteral("张\"三\""));
+        list.grid->setTextMatrix(2, 3, QStringLiteral("138,139"));
+        list.grid->setTextMatrix(3, 1, QStringLiteral("陈\r\n明"));
+        list.grid->setRows(4);
+        list.grid->horizontalHeader()->moveSection(3, 1);
+        const QByteArray expected(
+            "\xEF\xBB\xBF序,手机,姓名,Qivo号\r\n1,13800000001,\"张\"\"三\"\"\",zs01\r\n"
+            "2,\"138,139\",王丽,wl02\r\n3,13800000003,\"陈\r\n明\",Qivo_AB\r\n");
+        QTemporaryDir dir;
+        QStringList asked;
+        QStringList paths{dir.filePath("list.csv"), dir.filePath("no/such/folder.csv"), {}};
+        widgets::setSaveFileResponder([&](const QString& proposed) {
+            asked << proposed;
+            return paths.takeFirst();
+        });
+        test::MsgBoxRecorder boxes;
+        for (int i = 0; i < 3; ++i) {
+            widgets::exportGridCsv(*list.grid, &list.window, QStringLiteral("名单.csv"));
+        }
+        widgets::setSaveFileResponder({});
+        QFile file(dir.filePath("list.csv"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), expected);
+        QCOMPARE(asked, QStringList(3, QStringLiteral("名单.csv")));
+        QCOMPARE(boxes.prompts().size(), 1);
+        QVERIFY(boxes.prompts()[0].contains(QStringLiteral("folder.csv")));
     }
 
   private:

@@ -1,7 +1,9 @@
 #include "accounts/account_screen.h"
 
-#include <QKeyEvent>
+#include <QAction>
+#include <QDate>
 #include <QScopeGuard>
+#include <QScrollBar>
 #include <QStyle>
 #include <algorithm>
 
@@ -10,6 +12,8 @@
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "widgets/error_path.h"
+#include "widgets/grid_export.h"
+#include "widgets/msgbox.h"
 #include "widgets/twips.h"
 
 namespace qivo {
@@ -21,6 +25,10 @@ constexpr int kGridFooter = 150;  // between the list grid and the status bar
 constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
+
+// Status bar panels beside the operator's name and post.
+constexpr int kCountPanel = 4;
+constexpr int kDonePanel = 5;
 
 // Labels of the registration's boxes Text1(0..4).
 constexpr std::array<const char16_t*, 5> kAccountLabels{u"Qivo号", u"地   址", u"姓   名",
@@ -54,6 +62,14 @@ constexpr std::array<const char16_t*, 6> kListColumns{u"项目", u"dz",     u"Qi
 
 }  // namespace
 
+QString groupThousands(int count) {
+    QString digits = QString::number(count);
+    for (qsizetype at = digits.size() - 3; at > 0; at -= 3) {
+        digits.insert(at, u' ');
+    }
+    return digits;
+}
+
 QString accountListColumns() {
     return formatColumn('<', QStringLiteral("序"), 4) + '|' +
            formatColumn('<', QStringLiteral("项目名称"), 43) + '|' +
@@ -66,14 +82,20 @@ QString accountListColumns() {
 
 AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     : widgets::Form(parent), design_(design) {
-    Label1[0] = addHeading(design.title, {120, 0, 6000, kTitleHeight}, this);
+    Label1[0] = addHeading(design.title, {120, 0, 2400, kTitleHeight}, this);
     MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
+    widgets::onEvent(FindBar1, &widgets::GridFindBar::openedOrClosed, this,
+                     [this] { Form_Resize(); });
     StatusBar1 = new widgets::StatusBar(this, 3);
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
+    StatusBar1->addPanel(0);
+    StatusBar1->addPanel(2);
+    StatusBar1->installEventFilter(this);
     buildPanel();
+    addExportAction();
     // The list has the keyboard first: arrow keys move along it, Enter opens a row.
     MSFlexGrid1->setFocus();
     connect(MSFlexGrid1, &widgets::FlexGrid::KeyPress, this,
@@ -86,12 +108,51 @@ void AccountScreen::MSFlexGrid1_KeyPress(int keyAscii) {
     }
 }
 
-void AccountScreen::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && Picture1->isVisible()) {
-        closePanel();
-        return;
+bool AccountScreen::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == StatusBar1 && event->type() == QEvent::LayoutRequest) {
+        widgets::guarded([this] { Form_Resize(); });
     }
-    widgets::Form::keyPressEvent(event);
+    return widgets::Form::eventFilter(watched, event);
+}
+
+bool AccountScreen::focusNextPrevChild(bool next) {
+    if (!Picture1->isVisible()) {
+        return widgets::Form::focusNextPrevChild(next);
+    }
+    std::vector<QWidget*> ring{MSFlexGrid1};
+    for (QWidget* w = panelPage_->nextInFocusChain(); w != panelPage_; w = w->nextInFocusChain()) {
+        if (panelPage_->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
+            (w->focusPolicy() & Qt::TabFocus) != 0) {
+            ring.push_back(w);
+        }
+    }
+    const auto at = std::find(ring.begin(), ring.end(), focusWidget());
+    if (at == ring.end()) {
+        return widgets::Form::focusNextPrevChild(next);
+    }
+    const auto size = static_cast<std::ptrdiff_t>(ring.size());
+    const std::ptrdiff_t index = (at - ring.begin() + (next ? 1 : size - 1)) % size;
+    QWidget* target = ring[static_cast<std::size_t>(index)];
+    target->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    Picture1->ensureWidgetVisible(target);
+    return true;
+}
+
+// Ctrl+E anywhere in the window, and the list's context menu.
+void AccountScreen::addExportAction() {
+    auto* exportList = new QAction(QStringLiteral("导出列表为 CSV…"), this);
+    exportList->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    exportList->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    widgets::onEvent(exportList, &QAction::triggered, this, [this] { ExportList(); });
+    addAction(exportList);
+    MSFlexGrid1->addAction(exportList);
+    MSFlexGrid1->setContextMenuPolicy(Qt::ActionsContextMenu);
+}
+
+void AccountScreen::ExportList() {
+    widgets::exportGridCsv(
+        *MSFlexGrid1, this,
+        design_.title + '-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd")) + ".csv");
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const widgets::TwipsRect& place,
@@ -111,15 +172,20 @@ QLabel* AccountScreen::addHeading(const QString& text, const widgets::TwipsRect&
 }
 
 void AccountScreen::buildPanel() {
-    Picture1 = new QFrame(this);
-    Picture1->setObjectName(QStringLiteral("Picture1"));
-    Picture1->setStyleSheet(QStringLiteral(
-        "QFrame#Picture1 { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, y1:0, "
-        "x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    Picture1 = new QScrollArea(this);
+    Picture1->setFrameShape(QFrame::NoFrame);
+    Picture1->setFocusPolicy(Qt::NoFocus);
+    panelPage_ = new QFrame;
+    panelPage_->setObjectName(QStringLiteral("Picture1Page"));
+    panelPage_->setStyleSheet(QStringLiteral(
+        "QFrame#Picture1Page { border: 1px solid #7a8ca5; background: qlineargradient(x1:0, "
+        "y1:0, x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
+    widgets::setTwipsGeometry(panelPage_, design_.panel);
+    Picture1->setWidget(panelPage_);
     widgets::setTwipsGeometry(Picture1, design_.panel);
     const int closeSize = 360;
     Image1 = new widgets::ImageButton(
-        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), Picture1);
+        style()->standardIcon(QStyle::SP_TitleBarCloseButton).pixmap(16, 16), panelPage_);
     Image1->setToolTip(QStringLiteral("关闭"));
     widgets::setTwipsGeometry(Image1,
                               {design_.panel.width - closeSize - 120, 120, closeSize, closeSize});
@@ -151,8 +217,8 @@ void AccountScreen::buildOwnerFields(QPoint origin) {
 widgets::TextBox* AccountScreen::addField(const QString& label, QPoint origin, int line,
                                           QSize widths) {
     const int top = origin.y() + line * kRowStep;
-    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, Picture1);
-    auto* box = new widgets::TextBox(Picture1);
+    addLabel(label, {origin.x(), top, widths.width(), kBoxHeight}, panelPage_);
+    auto* box = new widgets::TextBox(panelPage_);
     box->setReadOnly(true);
     widgets::setTwipsGeometry(
         box, {origin.x() + widths.width() + kLabelGap, top, widths.height(), kBoxHeight});
@@ -170,14 +236,19 @@ void AccountScreen::Form_Resize() {
         }
     };
 
+    // An open find bar takes its room from the list, above the status bar.
+    const int findRoom =
+        FindBar1->isVisible() ? widgets::pixelsToTwips(FindBar1->sizeHint().height()) : 0;
     widgets::TwipsRect grid = widgets::twipsGeometry(MSFlexGrid1);
     apply(height - widgets::twipsGeometry(Label1[0]).height -
-              widgets::twipsGeometry(StatusBar1).height - kGridFooter,
+              widgets::twipsGeometry(StatusBar1).height - kGridFooter - findRoom,
           grid.height);
     apply(width - design_.gridMargin, grid.width);
     widgets::setTwipsGeometry(MSFlexGrid1, grid);
 
     widgets::TwipsRect panel = widgets::twipsGeometry(Picture1);
+    panel.width = std::min(design_.panel.width, grid.width);
+    panel.height = std::min(design_.panel.height, grid.height);
     apply(grid.top + (grid.height - panel.height) / 2, panel.top);
     apply(grid.left + (grid.width - panel.width) / 2, panel.left);
     widgets::setTwipsGeometry(Picture1, panel);
@@ -254,8 +325,16 @@ void AccountScreen::fillList(
     const QString& sql, const std::function<void(int row, const database::Recordset&)>& finishRow) {
     database::Recordset record;
     record.Open(sql, Connection::cn());
+    // Hiding the list would send the keyboard on to the next control; it comes back.
+    const bool hadKeyboard = MSFlexGrid1->hasFocus();
     MSFlexGrid1->setVisible(false);
-    const auto showAgain = qScopeGuard([this] { MSFlexGrid1->setVisible(true); });
+    const auto showAgain = qScopeGuard([this, hadKeyboard] {
+        MSFlexGrid1->setVisible(true);
+        showListCount();
+        if (hadKeyboard) {
+            MSFlexGrid1->setFocus();
+        }
+    });
     MSFlexGrid1->setRows(1);
     const int keyCol = MSFlexGrid1->Cols() - 1;
     QStringList listColumns;
@@ -283,6 +362,19 @@ void AccountScreen::fillList(
     }
 }
 
+void AccountScreen::showListCount() {
+    StatusBar1->setPanelText(kCountPanel,
+                             design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)));
+}
+
+QString AccountScreen::openedAccount() const {
+    return Text1[2]->text().trimmed() + ' ' + Text1[1]->text().trimmed();
+}
+
+void AccountScreen::reportDone(const QString& done, const QString& account) {
+    StatusBar1->setPanelText(kDonePanel, done + "：" + account);
+}
+
 void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleRow) {
     constexpr int kGap = 120;
     int titleRight = 0;
@@ -302,6 +394,12 @@ void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleR
     setMinimumSize(pixels(width), pixels(height));
 }
 
+void AccountScreen::openWideEnoughForList() {
+    const int list = MSFlexGrid1->shownColumnsWidth() + 2 * MSFlexGrid1->frameWidth() +
+                     MSFlexGrid1->verticalScrollBar()->sizeHint().width();
+    resize(std::max(width(), list + widgets::twipsToPixels(design_.gridMargin)), height());
+}
+
 void AccountScreen::openPanel(int row) {
     opened_ = MSFlexGrid1->RowData(row);
     Picture1->setVisible(true);
@@ -319,6 +417,25 @@ void AccountScreen::closePanel() {
 
 qint32 AccountScreen::openedRegistration() const {
     return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
+}
+
+bool AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
+    // The header row shows no registration, so no colleague can have taken it.
+    const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
+    bool changed = false;
+    try {
+        changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
+    } catch (const database::ConnectionLost&) {
+        // The decision's fate is unknown: the list shows what the server holds.
+        reloadList();
+        throw;
+    }
+    reloadList();
+    if (!changed && shown) {
+        widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
+                        widgets::vbInformation);
+    }
+    return changed;
 }
 
 }  // namespace qivo

@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <array>
 #include <functional>
 #include <map>
@@ -30,6 +31,7 @@ struct AccountScreenDesign {
     int exitMargin;      // from Command5's right edge to the window's inner right edge
     QString title;       // caption of the title label Label1(0)
     QString listFormat;  // MSFlexGrid1's format string
+    QString countText;   // the list's count in the status bar, "%1" for the number of rows
     widgets::TwipsRect panel;
     QPoint accountFields;  // where the registration's boxes start on the panel
     QPoint ownerFields;    // where the owner's boxes start on the panel
@@ -47,7 +49,9 @@ class AccountScreen : public widgets::Form {
     widgets::StatusBar* StatusBar1 = nullptr;
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;
-    QFrame* Picture1 = nullptr;
+    // The detail panel: its own design size where the list leaves room for it, scrolling
+    // over a smaller list (a small screen at a large scale).
+    QScrollArea* Picture1 = nullptr;
     widgets::ImageButton* Image1 = nullptr;
     std::array<widgets::TextBox*, 5> Text1{};
     std::array<widgets::TextBox*, 11> Text2{};
@@ -62,6 +66,8 @@ class AccountScreen : public widgets::Form {
     void Image1_Click();
     void ClearAccountFields();
     void ClearOwnerFields();
+    // Ctrl+E: saves the list as shown to a CSV file the user names.
+    void ExportList();
 
   protected:
     AccountScreen(const AccountScreenDesign& design, QWidget* parent);
@@ -85,10 +91,26 @@ class AccountScreen : public widgets::Form {
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
     void closePanel();
+    // The registered name and address the open panel shows.
+    QString openedAccount() const;
+    // What a decision did, and to whom, in the status bar until the next decision.
+    void reportDone(const QString& done, const QString& account);
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
-    // Escape closes an open panel, as its close button does.
-    void keyPressEvent(QKeyEvent* event) override;
+    // Runs a decision on what the panel showed, then reloads the list. Each statement's own
+    // condition holds only while the rows are as the list showed them; when a colleague changed
+    // them first, nothing changes and the reviewer is told so. When the connection went before
+    // the server answered, the list is reloaded all the same and the reviewer is told that the
+    // decision's fate is unknown.
+    bool decide(const QString& sql, const std::function<void()>& reloadList);
+    // The status bar keeps to the bottom edge whenever its height changes.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    // The panel's controls go on this page.
+    QWidget* panelPage() const { return panelPage_; }
+    // With the panel open, Tab goes round the list and the panel's boxes and buttons.
+    bool focusNextPrevChild(bool next) override;
+    // Opens wide enough to show every list column beside the list's vertical scroll bar.
+    void openWideEnoughForList();
     // The smallest window at which the panel fits whole over the list and the corner buttons
     // stay clear of titleRow, the other controls along the top; the resize rules hold above it.
     void setSmallestSize(std::initializer_list<const QWidget*> titleRow);
@@ -100,8 +122,11 @@ class AccountScreen : public widgets::Form {
     // widths: of the label, then of the box.
     widgets::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
+    void addExportAction();
+    void showListCount();
 
     AccountScreenDesign design_;
+    QFrame* panelPage_ = nullptr;
     std::optional<qint32> opened_;
 };
 
@@ -109,6 +134,9 @@ class AccountScreen : public widgets::Form {
 inline QString formatColumn(QChar align, const QString& header, int blanks) {
     return align + header + QString(blanks, u' ');
 }
+
+// A count with its thousands set apart by blanks: 1204 is "1 204".
+QString groupThousands(int count);
 
 // The columns 0-6 both account lists begin with: row number, estate, address and the
 // registration's account, name, identity number and mobile.

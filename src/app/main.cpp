@@ -10,6 +10,7 @@
 
 #include "accounts/register_opener.h"
 #include "app/owner_launch.h"
+#include "app/program_options.h"
 #include "check/workstation_check.h"
 #include "register/register_form.h"
 #include "review/review_form.h"
@@ -46,6 +47,13 @@ void releaseOwnConsole() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    QStringList options;
+    for (int i = 1; i < argc; ++i) {
+        options << QString::fromLocal8Bit(argv[i]);
+    }
+    if (const auto status = qivo::app::answerInformationOptions(options)) {
+        return *status;
+    }
     // The administrator's check needs neither a display nor a sign-in.
     if (argc == 2 && std::strcmp(argv[1], "--check") == 0) {
         QCoreApplication core(argc, argv);

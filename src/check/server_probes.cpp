@@ -96,13 +96,40 @@ Seen chineseTextRoundTrip(database::AdoConnection& connection) {
     return {true, names.join(QStringLiteral("、")) + QStringLiteral(" 读回无损")};
 }
 
+// The session speaks the login's own default language unless the driver asked for another.
 Seen languageAndDateFormat(database::AdoConnection& connection) {
     const QVariantList row =
-        rowsOf(connection, QStringLiteral("select @@language, (select dateformat from "
-                                          "sys.syslanguages where name = @@language)"))
+        rowsOf(connection,
+               QStringLiteral("select @@language, (select dateformat from sys.syslanguages where "
+                              "name = @@language), (select default_language_name from "
+                              "sys.server_principals where name = suser_sname())"))
             .value(0);
-    return {true, QStringLiteral("语言 %1，日期格式 %2（程序写日期用 yyyymmdd，与之无关）")
-                      .arg(row.value(0).toString(), row.value(1).toString())};
+    const QString language = row.value(0).toString();
+    const QString loginDefault = row.value(2).toString();
+    return {loginDefault.isEmpty() || language == loginDefault,
+            QStringLiteral("语言 %1（登录的默认语言 %2），日期格式 %3（程序写日期用 yyyymmdd，"
+                           "与之无关）")
+                .arg(language, loginDefault.isEmpty() ? QStringLiteral("不详") : loginDefault,
+                     row.value(1).toString())};
+}
+
+// A batch that fails half-way: afterwards the connection must be in autocommit with no
+// transaction open, by the driver's own rollback or by opening it anew.
+Seen connectionAfterFailure(database::AdoConnection& connection) {
+    const QString before = connection.database().connectionName();
+    try {
+        connection.Execute(
+            QStringLiteral("Delete 业户互联网 Where HLWID= -1 Delete 无此表 Where HLWID= -1"));
+        return {false, QStringLiteral("引用不存在的表的批处理没有失败")};
+    } catch (const runtime::RuntimeError&) {
+    }
+    QSqlDatabase db = connection.database();
+    const bool reopened = db.connectionName() != before;
+    if (connection.engine().settle(db) != database::Engine::Standing::Settled) {
+        return {false, QStringLiteral("连接没有回到自动提交，或仍有未结束的事务")};
+    }
+    return {true, reopened ? QStringLiteral("驱动没能回到自动提交，已重新打开连接")
+                           : QStringLiteral("已回到自动提交，没有未结束的事务")};
 }
 
 Seen columnTypes(database::AdoConnection& connection) {
@@ -277,6 +304,7 @@ bool runServerProbes(QTextStream& out, database::AdoConnection& connection) {
         {"未读完的记录集旁再查询", secondStatementWhileFirstOpen},
         {"中文往返", chineseTextRoundTrip},
         {"登录语言和日期格式", languageAndDateFormat},
+        {"失败命令后的连接", connectionAfterFailure},
         {"列类型", columnTypes},
         {"自增列和触发器", identitiesAndTriggers},
         {"权限", permissions},

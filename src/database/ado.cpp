@@ -34,6 +34,14 @@ QString tableOf(const QString& sql) {
     return table;
 }
 
+// What work gives, run as the engine runs statements the user may cancel.
+template <class Result, class Work>
+Result watched(const Engine& engine, Work work) {
+    Result result;
+    engine.run([&] { result = work(); });
+    return result;
+}
+
 }  // namespace
 
 AdoConnection::AdoConnection() = default;
@@ -57,8 +65,14 @@ void AdoConnection::Open() {
         QSqlDatabase::removeDatabase(name);
         throw;
     }
+    const QString previous = name_;
     engine_ = std::move(engine);
     name_ = name;
+    reopenDue_ = false;
+    if (!previous.isEmpty()) {
+        QSqlDatabase::database(previous, false).close();
+        QSqlDatabase::removeDatabase(previous);
+    }
 }
 
 bool AdoConnection::isOpen() const {
@@ -77,15 +91,62 @@ const Engine& AdoConnection::engine() const {
     return *engine_;
 }
 
-QSqlDatabase AdoConnection::database() const {
+QSqlDatabase AdoConnection::database() {
+    if (reopenDue_) {
+        Open();
+    }
     requireOpen();
     engine_->checkReachable();
     return QSqlDatabase::database(name_, false);
 }
 
-void AdoConnection::Execute(const QString& sql) {
-    QSqlDatabase db = database();
-    engine_->execute(db, engine_->statements(sql));
+qint64 AdoConnection::Execute(const QString& sql, ExecuteOption option) {
+    const QStringList statements = engine().statements(sql);
+    qint64 changed = 0;
+    try {
+        QSqlDatabase db = database();
+        engine_->run(
+            [&] { changed = engine_->execute(db, statements, option == adEveryStatementChanges); });
+    } catch (const runtime::RuntimeError& error) {
+        recoverAfterWrite(error);
+        throw;
+    }
+    return changed;
+}
+
+// After a failed command the connection must be back in autocommit with no transaction open,
+// or every later batch would run outside a transaction. One that cannot be brought back is
+// opened anew with the same settings: now, or at the next action while the server cannot be
+// reached. Returns whether the connection had been lost.
+bool AdoConnection::recover() {
+    if (!engine_ || reopenDue_) {
+        return false;
+    }
+    Engine::Standing standing;
+    {
+        QSqlDatabase db = QSqlDatabase::database(name_, false);
+        standing = engine_->settle(db);
+    }
+    if (standing == Engine::Standing::Settled) {
+        return false;
+    }
+    reopenDue_ = true;
+    try {
+        Open();
+    } catch (const runtime::RuntimeError&) {
+        // Still due: the next action tries again and reports why it cannot.
+    }
+    return standing == Engine::Standing::Lost;
+}
+
+// A write is never sent again: it may have taken effect before the connection went.
+void AdoConnection::recoverAfterWrite(const runtime::RuntimeError& error) {
+    if (recover()) {
+        throw ConnectionLost(error.number(),
+                             QStringLiteral("与数据库的连接中断，已重新连接。刚才的更改是否已经保存"
+                                            "无法确定，请核对后再操作。（") +
+                                 error.description() + u'）');
+    }
 }
 
 Recordset::Recordset() = default;
@@ -95,14 +156,27 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
                      LockType lock) {
     // Until the new query runs the set has no current record, so a failed Open leaves none.
     eof_ = true;
-    QSqlDatabase db = connection.database();
-    const QStringList statements = connection.engine().statements(sql);
+    const QString statement = connection.engine().statements(sql).value(0);
     connection_ = &connection;
     updatable_ = cursor == adOpenKeyset && lock == adLockOptimistic;
     table_ = updatable_ ? tableOf(sql) : QString();
     adding_ = false;
     cursor_.reset();
-    cursor_ = connection.engine().select(db, statements.value(0));
+    const auto select = [&] {
+        QSqlDatabase db = connection.database();
+        const Engine& engine = connection.engine();
+        cursor_ = watched<std::unique_ptr<RowCursor>>(engine,
+                                                      [&] { return engine.select(db, statement); });
+    };
+    try {
+        select();
+    } catch (const runtime::RuntimeError&) {
+        // A read whose connection was lost runs once more, on the connection opened anew.
+        if (!connection.recover()) {
+            throw;
+        }
+        select();
+    }
     names_ = cursor_->columnNames();
     dates_.clear();
     for (int i = 0; i < names_.size(); ++i) {
@@ -249,6 +323,15 @@ void Recordset::Update() {
         throw runtime::RuntimeError(runtime::err::ProviderError,
                                     QStringLiteral("当前记录集不支持更新。"));
     }
+    try {
+        save();
+    } catch (const runtime::RuntimeError& error) {
+        connection_->recoverAfterWrite(error);
+        throw;
+    }
+}
+
+void Recordset::save() {
     cursor_.reset();
     const Engine& engine = connection_->engine();
     QSqlDatabase db = connection_->database();
@@ -260,16 +343,18 @@ void Recordset::Update() {
             values << (dates_[i] ? engine.dateValue(values_[i]) : values_[i]);
         }
     }
-    const QString keyColumn = engine.identityColumn(db, table_);
+    const QString keyColumn =
+        watched<QString>(engine, [&] { return engine.identityColumn(db, table_); });
     if (adding_) {
-        const QVariant key = engine.insertRow(db, table_, columns, values);
+        const QVariant key = watched<QVariant>(
+            engine, [&] { return engine.insertRow(db, table_, columns, values); });
         adding_ = false;
         readBack(keyColumn, key);
         return;
     }
     const QVariant key = values_[fieldIndex(keyColumn)];
     if (!columns.isEmpty()) {
-        engine.updateRow(db, table_, columns, values, keyColumn, key);
+        engine.run([&] { engine.updateRow(db, table_, columns, values, keyColumn, key); });
     }
     readBack(keyColumn, key);
 }
@@ -283,10 +368,10 @@ void Recordset::readBack(const QString& keyColumn, const QVariant& key) {
         columns << engine.quoteName(name);
     }
     // Keys are identities, whole numbers, so the text needs no parameter.
-    cursor_ =
-        engine.select(db, QStringLiteral("select %1 from %2 where %3 = %4")
-                              .arg(columns.join(u','), engine.quoteName(table_),
-                                   engine.quoteName(keyColumn), QString::number(key.toLongLong())));
+    const QString sql = QStringLiteral("select %1 from %2 where %3 = %4")
+                            .arg(columns.join(u','), engine.quoteName(table_),
+                                 engine.quoteName(keyColumn), QString::number(key.toLongLong()));
+    cursor_ = watched<std::unique_ptr<RowCursor>>(engine, [&] { return engine.select(db, sql); });
     dirty_.assign(names_.size(), false);
     fetchNext();
 }

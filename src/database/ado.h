@@ -11,6 +11,8 @@
 #include <optional>
 #include <vector>
 
+#include "runtime/runtime_error.h"
+
 class QSqlQuery;
 
 namespace qivo::database {
@@ -18,8 +20,22 @@ namespace qivo::database {
 class Engine;
 class RowCursor;
 
+// A write whose connection was lost before the server answered: whether it took effect is not
+// known. The connection has been opened anew (or will be at the next action).
+class ConnectionLost final : public runtime::RuntimeError {
+  public:
+    using RuntimeError::RuntimeError;
+};
+
 enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1 };
 enum LockType { adLockReadOnly = 1, adLockOptimistic = 3 };
+// What a command must change to take effect.
+enum ExecuteOption {
+    adExecuteAll = 0,
+    // Every statement must change a row: when one finds none, the whole command is undone. The
+    // statements' own conditions then decide, at the moment they run, whether it goes ahead.
+    adEveryStatementChanges = 1,
+};
 
 // The one database session. The data source decides the engine: "sqlite:PATH" is the embedded
 // SQLite file PATH, anything else a SQL Server reached over ODBC. Errors are runtime::RuntimeError.
@@ -38,18 +54,24 @@ class AdoConnection final {
     bool isOpen() const;
 
     // Runs a command text; several statements separated by white space run in order, as one
-    // transaction: a failing statement leaves nothing of the batch behind.
-    void Execute(const QString& sql);
+    // transaction: a failing statement leaves nothing of the batch behind. Returns the number of
+    // rows the statements changed, 0 when the command was undone.
+    qint64 Execute(const QString& sql, ExecuteOption option = adExecuteAll);
 
-    // For Recordset and the tests of the engines.
+    // For Recordset and the tests of the engines. The database opens anew first when a failure
+    // left the connection unusable.
     const Engine& engine() const;
-    QSqlDatabase database() const;
+    QSqlDatabase database();
 
   private:
+    friend class Recordset;
     void requireOpen() const;
+    bool recover();
+    void recoverAfterWrite(const runtime::RuntimeError& error);
 
     std::unique_ptr<Engine> engine_;
     QString name_;
+    bool reopenDue_ = false;
 };
 
 // A record set over one query. Forward-only read-only sets are for display; keyset optimistic
@@ -87,6 +109,7 @@ class Recordset final {
     int lookUpField(const QString& name) const;
     void fetchNext();
     void requireRecord() const;
+    void save();
     void readBack(const QString& keyColumn, const QVariant& key);
 
     AdoConnection* connection_ = nullptr;

@@ -47,11 +47,14 @@ QMap<QString, QString> parseConnectionString(const QString& connectionString) {
         if (eq < 0) {
             continue;
         }
+        const QString key = item.left(eq).trimmed().toLower();
         QString value = item.mid(eq + 1);
-        if (value.size() >= 2 && value.startsWith(u'\'') && value.endsWith(u'\'')) {
+        // Only the catalog and the data source are written in quotes; a password may be "'x'".
+        const bool quoted = key == u"initial catalog" || key == u"data source";
+        if (quoted && value.size() >= 2 && value.startsWith(u'\'') && value.endsWith(u'\'')) {
             value = value.mid(1, value.size() - 2);
         }
-        parts.insert(item.left(eq).trimmed().toLower(), value);
+        parts.insert(key, value);
     }
     return parts;
 }
@@ -82,6 +85,9 @@ void throwSqlError(const QSqlError& error) {
         error.databaseText().isEmpty() ? error.driverText() : error.databaseText();
     if (description == dateConversionMessage()) {
         throw runtime::RuntimeError(-2147217913, description);
+    }
+    if (description == truncationMessage()) {
+        throw runtime::RuntimeError(kTruncationError, description);
     }
     throw runtime::RuntimeError(runtime::err::ProviderError, description);
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 #include <memory>
 
 class QSqlQuery;
@@ -13,8 +14,8 @@ namespace qivo::database {
 
 class RowCursor;
 
-// The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case and values
-// with their single quotes removed; a value may hold ';' (see engine.cpp).
+// The parts of an ADO-style connection string ("Key=Value;..."), keys in lower case, the catalog
+// and data source without their single quotes; a value may hold ';' (see engine.cpp).
 QMap<QString, QString> parseConnectionString(const QString& connectionString);
 
 // What differs between the two database engines.
@@ -42,8 +43,11 @@ class Engine {
                            const QVariantList& values, const QString& keyColumn,
                            const QVariant& key) const = 0;
 
-    // Runs a command's statements in order; more than one run as one transaction.
-    virtual void execute(QSqlDatabase& db, const QStringList& statements) const = 0;
+    // Runs a command's statements in order; more than one run as one transaction. Returns the
+    // rows they changed together. With eachMustChange a statement that changes no row undoes
+    // the transaction, and the answer is 0.
+    virtual qint64 execute(QSqlDatabase& db, const QStringList& statements,
+                           bool eachMustChange = false) const = 0;
 
     // The value to send for text typed into a date column.
     virtual QVariant dateValue(const QVariant& typed) const { return typed; }
@@ -54,6 +58,15 @@ class Engine {
 
     // Throws when the database can no longer be reached by this connection.
     virtual void checkReachable() const {}
+
+    // Runs work that talks to the database (the calls above) so that a statement still running
+    // after a moment shows the statement wait, and the user can cancel it there.
+    virtual void run(const std::function<void()>& work) const = 0;
+
+    // How a connection stands after a failed command, once settle has tried to bring it back to
+    // autocommit with no transaction open.
+    enum class Standing { Settled, Unsettled, Lost };
+    virtual Standing settle(QSqlDatabase& db) const = 0;
 
   protected:
     // "update <table> set <column> = ?, ... where <key column> = ?" in this engine's quoting.

@@ -15,12 +15,18 @@
 namespace qivo::database {
 namespace {
 
-QString odbcValue(const QString& value) {
+// A value that holds ODBC separators or outer blanks goes inside braces. ODBC doubles a '}' in
+// there; FreeTDS reads a braced value up to the first "};" as it stands, so it gets '}' once (a
+// value holding "};" cannot reach it whole).
+QString odbcValue(const QString& value, bool freeTds) {
     static const QString separators = QStringLiteral(";{}=");
     const bool braced =
         std::any_of(value.begin(), value.end(), [](QChar c) { return separators.contains(c); }) ||
         (!value.isEmpty() && (value.front().isSpace() || value.back().isSpace()));
-    return braced ? u'{' + QString(value).replace(u'}', QStringLiteral("}}")) + u'}' : value;
+    if (!braced) {
+        return value;
+    }
+    return u'{' + (freeTds ? value : QString(value).replace(u'}', QStringLiteral("}}"))) + u'}';
 }
 
 struct ServerAndPort {
@@ -97,17 +103,20 @@ QString odbcConnectionString(const QMap<QString, QString>& parts, const QString&
     const bool freeTds = driver.contains(QLatin1String("FreeTDS"), Qt::CaseInsensitive);
     const ServerAndPort target =
         freeTds ? freeTdsServer(dataSource) : ServerAndPort{dataSource, {}};
-    QString result = QStringLiteral("DRIVER={%1};SERVER=%2;").arg(driver, odbcValue(target.server));
+    const auto value = [freeTds](const QString& text) { return odbcValue(text, freeTds); };
+    QString result = QStringLiteral("DRIVER={%1};SERVER=%2;").arg(driver, value(target.server));
     if (!target.port.isEmpty()) {
-        result += QStringLiteral("Port=%1;").arg(odbcValue(target.port));
+        result += QStringLiteral("Port=%1;").arg(value(target.port));
     }
     if (freeTds) {
-        result += QStringLiteral("TDS_Version=7.3;ClientCharset=UTF-8;");
+        // An empty language leaves the login's own default in force, as the other drivers do;
+        // FreeTDS would otherwise ask for us_english.
+        result += QStringLiteral("TDS_Version=7.3;ClientCharset=UTF-8;Language=;");
     }
     result += QStringLiteral("DATABASE=%1;UID=%2;PWD=%3;")
-                  .arg(odbcValue(parts.value(QStringLiteral("initial catalog"))),
-                       odbcValue(parts.value(QStringLiteral("user id"))),
-                       odbcValue(parts.value(QStringLiteral("password"))));
+                  .arg(value(parts.value(QStringLiteral("initial catalog"))),
+                       value(parts.value(QStringLiteral("user id"))),
+                       value(parts.value(QStringLiteral("password"))));
     if (driver.contains(QLatin1String("Driver 18"))) {
         result += QStringLiteral("TrustServerCertificate=yes;");
     }

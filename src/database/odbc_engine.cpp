@@ -6,6 +6,7 @@
 #include "database/dates.h"
 #include "database/odbc_connection_string.h"
 #include "database/odbc_statement.h"
+#include "database/odbc_wait.h"
 #include "database/row_cursor.h"
 #include "database/sql_text.h"
 #include "runtime/runtime_error.h"
@@ -47,14 +48,31 @@ std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& s
     return std::make_unique<OdbcCursor>(statement.readAll());
 }
 
-void OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+qint64 OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements,
+                           bool eachMustChange) const {
     if (statements.size() == 1) {
         OdbcStatement statement(connectionHandle(db));
         statement.execute(statements.front());
         statement.readAll();
-        return;
+        return statement.rowsChanged();
     }
-    runInTransaction(connectionHandle(db), statements);
+    return runInTransaction(connectionHandle(db), statements, eachMustChange);
+}
+
+// A connection that cannot answer how many transactions it holds is as good as lost.
+Engine::Standing OdbcEngine::settle(QSqlDatabase& db) const {
+    void* connection = connectionHandle(db);
+    if (connectionDead(connection)) {
+        return Standing::Lost;
+    }
+    if (!autocommitRestored(connection)) {
+        return Standing::Unsettled;
+    }
+    try {
+        return openTransactions(connection) == 0 ? Standing::Settled : Standing::Unsettled;
+    } catch (const runtime::RuntimeError&) {
+        return Standing::Lost;
+    }
 }
 
 QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const {
@@ -105,6 +123,10 @@ QVariant OdbcEngine::dateValue(const QVariant& typed) const {
         return typed;
     }
     return QString(*iso).remove(u'-');
+}
+
+void OdbcEngine::run(const std::function<void()>& work) const {
+    runOdbcWork(work);
 }
 
 QString OdbcEngine::quoteName(const QString& name) const {

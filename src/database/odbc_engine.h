@@ -17,10 +17,13 @@ class OdbcEngine final : public Engine {
     void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                    const QVariantList& values, const QString& keyColumn,
                    const QVariant& key) const override;
-    void execute(QSqlDatabase& db, const QStringList& statements) const override;
+    qint64 execute(QSqlDatabase& db, const QStringList& statements,
+                   bool eachMustChange) const override;
     QVariant dateValue(const QVariant& typed) const override;
+    Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
+    void run(const std::function<void()>& work) const override;
 };
 
 }  // namespace qivo::database

@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <iterator>
 
+#include "database/odbc_wait.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {
@@ -32,6 +33,8 @@ long errorNumber(SQLINTEGER native) {
         case 547:   // constraint
         case 2601:  // duplicate key in a unique index
         case 2627:  // duplicate key of a constraint
+        case 2628:  // text longer than its column, naming it
+        case 8152:  // text longer than its column
             return native;
         default:
             return runtime::err::ProviderError;
@@ -96,6 +99,7 @@ OdbcStatement::OdbcStatement(void* connection) : connection_(connection) {
 }
 
 OdbcStatement::~OdbcStatement() {
+    statementEnding(handle_);
     SQLFreeHandle(SQL_HANDLE_STMT, handle_);
 }
 
@@ -166,6 +170,7 @@ void OdbcStatement::bind(const QVariantList& values) {
 
 void OdbcStatement::execute(const QString& sql, const QVariantList& values) {
     bind(values);
+    statementStarting(handle_);
     const SQLRETURN result =
         SQLExecDirectW(handle_, reinterpret_cast<SQLWCHAR*>(const_cast<QChar*>(sql.constData())),
                        SQLINTEGER(sql.size()));
@@ -184,6 +189,7 @@ bool OdbcStatement::moveToRows() {
         if (columns > 0) {
             return true;
         }
+        noteRowCount();
         const SQLRETURN more = SQLMoreResults(handle_);
         if (more == SQL_NO_DATA) {
             return false;
@@ -204,6 +210,14 @@ void OdbcStatement::drain() {
         if (!SQL_SUCCEEDED(more)) {
             fail();
         }
+        noteRowCount();
+    }
+}
+
+void OdbcStatement::noteRowCount() {
+    SQLLEN rows = -1;
+    if (SQL_SUCCEEDED(SQLRowCount(handle_, &rows)) && rows >= 0) {
+        changed_ = rows;
     }
 }
 
@@ -326,7 +340,7 @@ QString OdbcStatement::readText(int column, bool& isNull) {
     }
 }
 
-void runInTransaction(void* connection, const QStringList& statements) {
+qint64 runInTransaction(void* connection, const QStringList& statements, bool eachMustChange) {
     auto setAutocommit = [connection](SQLULEN mode) {
         if (!SQL_SUCCEEDED(SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
                                               reinterpret_cast<SQLPOINTER>(mode),
@@ -334,23 +348,61 @@ void runInTransaction(void* connection, const QStringList& statements) {
             throwOdbcError(SQL_HANDLE_DBC, connection);
         }
     };
+    auto undo = [connection] {
+        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+    };
     setAutocommit(SQL_AUTOCOMMIT_OFF);
+    qint64 changed = 0;
     try {
         for (const QString& statement : statements) {
             OdbcStatement step(connection);
             step.execute(statement);
             step.readAll();
+            if (eachMustChange && step.rowsChanged() == 0) {
+                undo();
+                return 0;
+            }
+            changed += step.rowsChanged();
         }
         if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection, SQL_COMMIT))) {
             throwOdbcError(SQL_HANDLE_DBC, connection);
         }
     } catch (...) {
-        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
-        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+        undo();
         throw;
     }
     setAutocommit(SQL_AUTOCOMMIT_ON);
+    return changed;
+}
+
+bool connectionDead(void* connection) {
+    SQLULEN dead = SQL_CD_FALSE;
+    return SQL_SUCCEEDED(SQLGetConnectAttrW(connection, SQL_ATTR_CONNECTION_DEAD, &dead,
+                                            sizeof dead, nullptr)) &&
+           dead == SQL_CD_TRUE;
+}
+
+bool autocommitRestored(void* connection) {
+    auto autocommit = [connection] {
+        SQLULEN mode = SQL_AUTOCOMMIT_OFF;
+        SQLGetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT, &mode, sizeof mode, nullptr);
+        return mode == SQL_AUTOCOMMIT_ON;
+    };
+    if (!autocommit()) {
+        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+    }
+    return autocommit();
+}
+
+qint64 openTransactions(void* connection) {
+    OdbcStatement statement(connection);
+    statement.execute(QStringLiteral("select @@trancount"));
+    const OdbcRows rows = statement.readAll();
+    return rows.rows.empty() ? 0 : rows.rows.front().value(0).toLongLong();
 }
 
 }  // namespace qivo::database

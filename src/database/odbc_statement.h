@@ -31,12 +31,16 @@ class OdbcStatement final {
     void execute(const QString& sql, const QVariantList& values = {});
     // The first result that has columns, then every later result is consumed.
     OdbcRows readAll();
+    // After readAll, the rows the statement changed: the last count it reported, which comes
+    // after the counts of any trigger it set off.
+    qint64 rowsChanged() const { return changed_; }
 
   private:
     struct Parameter;
     void bind(const QVariantList& values);
     bool moveToRows();
     void drain();
+    void noteRowCount();
     QVariant readValue(int column, short type);
     QString readText(int column, bool& isNull);
     [[noreturn]] void fail() const;
@@ -44,6 +48,7 @@ class OdbcStatement final {
     void* connection_;
     void* handle_ = nullptr;
     std::vector<std::unique_ptr<Parameter>> parameters_;
+    qint64 changed_ = 0;
 };
 
 // A read pass over rows already fetched.
@@ -60,8 +65,21 @@ class OdbcCursor final : public RowCursor {
     qsizetype row_ = -1;
 };
 
-// Runs statements in one transaction on an ODBC connection: all of them or none.
-void runInTransaction(void* connection, const QStringList& statements);
+// Runs statements in one transaction on an ODBC connection: all of them or none. Returns the
+// rows they changed; with eachMustChange, a statement that changes none rolls all back and the
+// answer is 0.
+qint64 runInTransaction(void* connection, const QStringList& statements, bool eachMustChange);
+
+// Whether the driver knows the connection to the server is gone.
+bool connectionDead(void* connection);
+
+// Rolls back and switches autocommit on again where the driver is still in manual-commit mode;
+// whether the driver is in autocommit mode afterwards. A driver can refuse the switch: FreeTDS
+// rolls back first, and a server that has itself ended the transaction refuses that (3903).
+bool autocommitRestored(void* connection);
+
+// The server's @@trancount for the connection.
+qint64 openTransactions(void* connection);
 
 // The error a failed call on an ODBC handle reports, as a runtime::RuntimeError.
 [[noreturn]] void throwOdbcError(short handleType, void* handle);

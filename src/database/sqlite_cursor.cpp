@@ -5,11 +5,13 @@
 #include <QSqlError>
 
 #include "database/engine.h"
+#include "database/sqlite_watch.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {
 
-SqliteCursor::SqliteCursor(sqlite3* handle, const QString& sql) : handle_(handle) {
+SqliteCursor::SqliteCursor(sqlite3* handle, const QString& sql, SqliteWatch& watch)
+    : handle_(handle), watch_(watch) {
     const QByteArray text = sql.toUtf8();
     if (sqlite3_prepare_v2(handle_, text.constData(), static_cast<int>(text.size()), &statement_,
                            nullptr) != SQLITE_OK) {
@@ -34,6 +36,10 @@ QStringList SqliteCursor::columnNames() const {
 }
 
 bool SqliteCursor::next() {
+    return watch_.run([this] { return step(); });
+}
+
+bool SqliteCursor::step() {
     switch (sqlite3_step(statement_)) {
         case SQLITE_ROW:
             return true;

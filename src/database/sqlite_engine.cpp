@@ -18,6 +18,10 @@ QString dateConversionMessage() {
     return QStringLiteral("从字符串转换日期和/或时间时，转换失败。");
 }
 
+QString truncationMessage() {
+    return QStringLiteral("将截断字符串或二进制数据。");
+}
+
 // How long a statement waits for a lock another program holds on the file.
 constexpr int kBusyTimeoutMs = 5000;
 
@@ -25,7 +29,6 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
     checkReachable();
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(path_);
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyTimeoutMs));
     if (!db.open()) {
         throwSqlError(db.lastError());
     }
@@ -36,6 +39,7 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
         throw runtime::RuntimeError(runtime::err::ProviderError,
                                     QStringLiteral("无法初始化嵌入式数据库。"));
     }
+    watch_ = std::make_unique<SqliteWatch>(sqlite, kBusyTimeoutMs);
     // A file that is not a database fails here rather than at the first screen.
     QSqlQuery probe(db);
     if (!probe.exec(QStringLiteral("select count(*) from sqlite_master"))) {
@@ -46,7 +50,12 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
 
 std::unique_ptr<RowCursor> SqliteEngine::select(QSqlDatabase& db, const QString& sql) const {
     const QVariant handle = db.driver()->handle();
-    return std::make_unique<SqliteCursor>(*static_cast<sqlite3* const*>(handle.constData()), sql);
+    return std::make_unique<SqliteCursor>(*static_cast<sqlite3* const*>(handle.constData()), sql,
+                                          *watch_);
+}
+
+void SqliteEngine::run(const std::function<void()>& work) const {
+    watch_->run(work);
 }
 
 QStringList SqliteEngine::statements(const QString& sql) const {
@@ -114,18 +123,27 @@ void execOrThrow(QSqlQuery& query, const QString& sql) {
 
 }  // namespace
 
-void SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements) const {
+qint64 SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements,
+                             bool eachMustChange) const {
     QSqlQuery query(db);
     if (statements.size() == 1) {
         execOrThrow(query, statements.front());
-        return;
+        return query.numRowsAffected();
     }
     if (!db.transaction()) {
         throwSqlError(db.lastError());
     }
+    qint64 changed = 0;
     try {
         for (const QString& statement : statements) {
             execOrThrow(query, statement);
+            const int rows = query.numRowsAffected();
+            if (eachMustChange && rows == 0) {
+                query.finish();
+                db.rollback();
+                return 0;
+            }
+            changed += rows;
         }
     } catch (...) {
         query.finish();
@@ -137,6 +155,7 @@ void SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements) cons
         db.rollback();
         throwSqlError(error);
     }
+    return changed;
 }
 
 // An absent file is a wrong setting or a lost database, never a new empty one; and SQLite would
@@ -147,6 +166,15 @@ void SqliteEngine::checkReachable() const {
             runtime::err::ProviderError,
             QStringLiteral("无法打开数据库文件“%1”：文件不存在。").arg(path_));
     }
+}
+
+Engine::Standing SqliteEngine::settle(QSqlDatabase& db) const {
+    const QVariant handle = db.driver()->handle();
+    sqlite3* sqlite = *static_cast<sqlite3* const*>(handle.constData());
+    if (!sqlite3_get_autocommit(sqlite)) {
+        sqlite3_exec(sqlite, "rollback", nullptr, nullptr, nullptr);
+    }
+    return sqlite3_get_autocommit(sqlite) ? Standing::Settled : Standing::Unsettled;
 }
 
 QString SqliteEngine::quoteName(const QString& name) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/engine.h"
+#include "database/sqlite_watch.h"
 
 namespace qivo::database {
 
@@ -19,13 +20,18 @@ class SqliteEngine final : public Engine {
     void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                    const QVariantList& values, const QString& keyColumn,
                    const QVariant& key) const override;
-    void execute(QSqlDatabase& db, const QStringList& statements) const override;
+    qint64 execute(QSqlDatabase& db, const QStringList& statements,
+                   bool eachMustChange) const override;
+    Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
+    void run(const std::function<void()>& work) const override;
 
   private:
     QString path_;
+    // Made when the connection opens; it belongs to the connection's handle.
+    mutable std::unique_ptr<SqliteWatch> watch_;
 };
 
 // The collation every text column of the embedded schema uses.
@@ -33,5 +39,8 @@ inline constexpr const char* kTextCollation = "Chinese_PRC_CI_AS";
 
 // The message a date column gives for text that is not a date.
 QString dateConversionMessage();
+// The message a text column gives for text longer than it, and the number SQL Server gives it.
+QString truncationMessage();
+inline constexpr long kTruncationError = 8152;
 
 }  // namespace qivo::database

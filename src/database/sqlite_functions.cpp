@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 #include "database/collation.h"
 #include "database/dates.h"
@@ -81,6 +82,36 @@ void dateFunction(sqlite3_context* context, int, sqlite3_value** argv) {
                         SQLITE_TRANSIENT);
 }
 
+// qivo_fits(value, type, size): whether a value fits a text column of SQL Server's type
+// ('varchar' or 'nvarchar') and size; else the server's truncation error. Trailing blanks that do
+// not fit are dropped there without an error, so they are not counted.
+void fitsFunction(sqlite3_context* context, int, sqlite3_value** argv) {
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+        sqlite3_result_int(context, 1);
+        return;
+    }
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(argv[0]));
+    const QString value =
+        QString::fromUtf8(text, trimmedLength(text, sqlite3_value_bytes(argv[0])));
+    const bool wide =
+        std::string_view(reinterpret_cast<const char*>(sqlite3_value_text(argv[1]))) == "nvarchar";
+    // In code page 936 a Chinese character takes two bytes, and each half of a character beyond
+    // it one '?'. A character of the first plane it lacks also becomes '?': counting two errs on
+    // the side of refusing.
+    qsizetype length = value.size();
+    if (!wide) {
+        for (const QChar c : value) {
+            length += c.unicode() >= 0x80 && !c.isSurrogate() ? 1 : 0;
+        }
+    }
+    if (length > sqlite3_value_int(argv[2])) {
+        const QByteArray message = truncationMessage().toUtf8();
+        sqlite3_result_error(context, message.constData(), static_cast<int>(message.size()));
+        return;
+    }
+    sqlite3_result_int(context, 1);
+}
+
 }  // namespace
 
 int compareText(const char* a, int lengthA, const char* b, int lengthB) {
@@ -112,6 +143,8 @@ bool registerSqliteFunctions(sqlite3* handle) {
            sqlite3_create_function_v2(handle, "len", 1, flags, nullptr, lenFunction, nullptr,
                                       nullptr, nullptr) == SQLITE_OK &&
            sqlite3_create_function_v2(handle, "qivo_date", 1, flags, nullptr, dateFunction, nullptr,
+                                      nullptr, nullptr) == SQLITE_OK &&
+           sqlite3_create_function_v2(handle, "qivo_fits", 3, flags, nullptr, fitsFunction, nullptr,
                                       nullptr, nullptr) == SQLITE_OK;
 }
 

@@ -1,21 +1,27 @@
 #include "db/schema.h"
 
+#include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
 
 #include "database/ado.h"
 #include "database/engine.h"
+#include "database/sqlite_engine.h"
 
 namespace qivo::db {
 namespace {
 
-// Column types of the embedded schema. Text compares as the estate's SQL Server does; a date
-// column keeps ISO text (see the triggers below); a flag is 0/1.
+// Column types of the embedded schema. A date column keeps ISO text (see the triggers below); a
+// flag is 0/1. Text columns have the sizes the estate's SQL Server declares: varchar in bytes of
+// code page 936, nvarchar in characters; they compare as the server does and refuse longer text
+// as it does.
 const QString kKey = QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT");
-const QString kText = QStringLiteral("TEXT COLLATE Chinese_PRC_CI_AS");
 const QString kDate = QStringLiteral("DATE TEXT");
 const QString kInt = QStringLiteral("INTEGER");
+const QString kText = QStringLiteral("varchar(50)");
+const QString kName = QStringLiteral("varchar(10)");
+const QString kRemark = QStringLiteral("varchar(200)");
 
 struct Table {
     QString name;
@@ -24,7 +30,7 @@ struct Table {
 
 QList<Table> tables() {
     return {
-        {"设置管理处", {{"GYD_DH", kText + " PRIMARY KEY"}, {"GYD_Name", kText}}},
+        {"设置管理处", {{"GYD_DH", kText + " PRIMARY KEY"}, {"GYD_Name", kName}}},
         {"楼表",
          {{"L_ID", kKey},
           {"管理处", kText},
@@ -40,7 +46,7 @@ QList<Table> tables() {
         {"业主表",
          {{"ZH_ID", kKey},
           {"S_ID", kInt},
-          {"姓名", kText},
+          {"姓名", kName},
           {"固定电话", kText},
           {"移动电话", kText},
           {"身份证", kText},
@@ -52,13 +58,13 @@ QList<Table> tables() {
           {"联系方式", kText},
           {"工作单位", kText},
           {"户籍所在地", kText},
-          {"备注", kText},
+          {"备注", kRemark},
           {"短信", kInt},
-          {"说明", kText}}},
+          {"说明", "nvarchar(10)"}}},
         {"ZHZL",
          {{"ZL_ID", kKey},
           {"ZH_ID", kInt},
-          {"ZL_xm", kText},
+          {"ZL_xm", "nvarchar(10)"},
           {"ZL_jtdh", kText},
           {"ZL_gx", kText},
           {"ZL_xb", kText},
@@ -73,12 +79,12 @@ QList<Table> tables() {
           {"ZL_dh", kText},
           {"ZL_zj", kText},
           {"ZL_mz", kText},
-          {"ZL_bz", kText}}},
+          {"ZL_bz", "varchar(8000)"}}},
         {"业户互联网",
          {{"HLWID", kKey},
           {"ZH_ID", kInt},
-          {"Qivo号", kText},
-          {"姓名", kText},
+          {"Qivo号", "nvarchar(12)"},
+          {"姓名", kName},
           {"身份证", kText},
           {"手机", kText},
           {"属性", kText},
@@ -87,7 +93,7 @@ QList<Table> tables() {
         {"员工档案",
          {{"工号", kText + " PRIMARY KEY"},
           {"帐号密码", kText},
-          {"姓名", kText},
+          {"姓名", kName},
           {"离职日期", kDate}}},
         {"岗位员工new",
          {{"员工代号", kText}, {"岗位代号", kText}, {"主要岗位", kInt}, {"离岗日期", kDate}}},
@@ -115,13 +121,25 @@ const QStringList kIndexes = {
     "create index 岗位员工new_员工代号 on 岗位员工new (员工代号)",
 };
 
+// A text column's definition: its collation and the check that refuses text longer than it.
+QString textColumn(const QString& name, const QString& type) {
+    static const QRegularExpression sized(QStringLiteral(R"(^(n?varchar)\((\d+)\))"));
+    const QRegularExpressionMatch match = sized.match(type);
+    if (!match.hasMatch()) {
+        return type;
+    }
+    return QStringLiteral("%1 COLLATE %2 CHECK (qivo_fits(\"%3\", '%4', %5))%6")
+        .arg(match.captured(0), QLatin1String(database::kTextCollation), name, match.captured(1),
+             match.captured(2), type.mid(match.capturedLength()));
+}
+
 QStringList schemaStatements() {
     QStringList statements;
     for (const Table& table : tables()) {
         QStringList columns;
         QStringList triggers;
         for (const auto& [name, type] : table.columns) {
-            columns << QStringLiteral("\"%1\" %2").arg(name, type);
+            columns << QStringLiteral("\"%1\" %2").arg(name, textColumn(name, type));
             if (type != kDate) {
                 continue;
             }

@@ -1,5 +1,6 @@
 #include <QGridLayout>
 #include <QHeaderView>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "owner/owner_fields.h"
@@ -40,9 +41,19 @@ frm业户信息::frm业户信息(QWidget* parent) : widgets::Form(parent) {
     resize(980, 700);
     buildOwnerFrame();
     buildMemberFrame();
+    auto* page = new QWidget;
+    auto* pageLayout = new QVBoxLayout(page);
+    pageLayout->setContentsMargins({});
+    pageLayout->addWidget(Frame1[0]);
+    pageLayout->addWidget(Frame1[1], 1);
+    // The frames scroll only where the screen holds less than they need.
+    auto* scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(page);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(Frame1[0]);
-    layout->addWidget(Frame1[1], 1);
+    layout->addWidget(scroll);
+    setMinimumSize(page->minimumSizeHint().grownBy(layout->contentsMargins()));
     connectEvents();
 }
 

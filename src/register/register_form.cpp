@@ -66,12 +66,14 @@ void frmQivo账号一览表::MSFlexGrid1_DblClick() {
     if (MSFlexGrid1->Rows() == 1) {
         return;
     }
+    // The household is the opened one before anything can fail, so 终止 never acts on the one
+    // opened before.
     const int row = MSFlexGrid1->Row();
+    openPanel(row);
     FillAccountFields(row);
     const QString ownerKey = MSFlexGrid1->TextMatrix(row, MSFlexGrid1->Cols() - 1);
     LoadOwnerDetail(ownerKey.toInt());
     LoadMemberAccounts(ownerKey);
-    openPanel(row);
 }
 
 void frmQivo账号一览表::FillAccountFields(qint32 row) {
@@ -89,11 +91,22 @@ void frmQivo账号一览表::LoadOwnerDetail(qint32 zhId) {
     }
 }
 
+// Any failure ends the fill quietly and leaves the grid hidden, never holding another
+// household's accounts: the grid is emptied before the query runs.
 void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
-    database::Recordset member;
-    member.Open(register_sql::memberAccountsQuery(zhId), Connection::cn());
     MSFlexGrid2->setRows(1);
     MSFlexGrid2->setVisible(false);
+    try {
+        fillMemberAccounts(zhId);
+    } catch (const std::exception&) {
+        return;
+    }
+    MSFlexGrid2->setVisible(true);
+}
+
+void frmQivo账号一览表::fillMemberAccounts(const QString& zhId) {
+    database::Recordset member;
+    member.Open(register_sql::memberAccountsQuery(zhId), Connection::cn());
     while (!member.Eof()) {
         MSFlexGrid2->setRows(MSFlexGrid2->Rows() + 1);
         const int row = MSFlexGrid2->Rows() - 1;
@@ -110,11 +123,10 @@ void frmQivo账号一览表::LoadMemberAccounts(const QString& zhId) {
         MSFlexGrid2->setRowData(row, member.Fields(QStringLiteral("HLWID")).toInt());
         member.MoveNext();
     }
-    MSFlexGrid2->setVisible(true);
 }
 
 // Terminates the opened owner's account and every member account the panel lists, in one
-// batch that either runs whole or not at all.
+// batch that runs whole or not at all: not at all once a colleague got there first.
 void frmQivo账号一览表::Command1_Click() {
     if (widgets::MsgBox(QStringLiteral("确认要终止这个Qivo账号"), widgets::vbYesNo) ==
         widgets::vbNo) {
@@ -129,8 +141,15 @@ void frmQivo账号一览表::Command1_Click() {
     for (int row = 1; row < MSFlexGrid2->Rows(); ++row) {
         members << MSFlexGrid2->RowData(row);
     }
-    Connection::cn().Execute(register_sql::terminateBatch(openedRegistration(), members));
-    LoadApprovedList();
+    QString account = openedAccount();
+    if (!members.isEmpty()) {
+        account += QStringLiteral("，连同名下成员账号 %1 个").arg(members.size());
+    }
+    if (decide(register_sql::terminateBatch(openedRegistration(), members,
+                                            register_sql::stillApproved()),
+               [this] { LoadApprovedList(); })) {
+        reportDone(QStringLiteral("已终止"), account);
+    }
 }
 
 void frmQivo账号一览表::Command2_Click() {

@@ -30,6 +30,7 @@ class frmQivo账号一览表 final : public AccountScreen {
 
   private:
     void buildMemberArea();
+    void fillMemberAccounts(const QString& zhId);
     void connectEvents();
 };
 

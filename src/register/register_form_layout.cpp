@@ -1,4 +1,5 @@
 #include "register/register_form.h"
+#include "widgets/button_keys.h"
 #include "widgets/error_path.h"
 #include "widgets/screen_font.h"
 #include "widgets/single_form.h"
@@ -15,6 +16,7 @@ AccountScreenDesign registerDesign() {
             .exitMargin = 300,
             .title = QStringLiteral("已审核Qivo账号"),
             .listFormat = listFormat,
+            .countText = QStringLiteral("已审核 %1 户"),
             .panel = {0, 0, 12000, 8760},
             .accountFields = {300, 1050},
             .ownerFields = {5900, 1050}};
@@ -40,21 +42,28 @@ frmQivo账号一览表::frmQivo账号一览表(QWidget* parent) : AccountScreen(
     widgets::setTwipsGeometry(Command5, {13350, 45, 1365, 375});
     buildMemberArea();
     connectEvents();
+    openWideEnoughForList();
     setSmallestSize({Label1[0]});
 }
 
 void frmQivo账号一览表::buildMemberArea() {
-    addHeading(QStringLiteral("业主及Qivo信息"), {300, 120, 4000, 400}, Picture1);
-    addHeading(QStringLiteral("业主Qivo注册资料"), {300, 600, 4000, 360}, Picture1);
-    addHeading(QStringLiteral("业主资料"), {5900, 600, 4000, 360}, Picture1);
-    addHeading(QStringLiteral("业主名下的Qivo账号"), {300, 6100, 4000, 360}, Picture1);
-    MSFlexGrid2 = new widgets::FlexGrid(Picture1);
+    addHeading(QStringLiteral("业主及Qivo信息"), {300, 120, 4000, 400}, panelPage());
+    addHeading(QStringLiteral("业主Qivo注册资料"), {300, 600, 4000, 360}, panelPage());
+    addHeading(QStringLiteral("业主资料"), {5900, 600, 4000, 360}, panelPage());
+    addHeading(QStringLiteral("业主名下的Qivo账号"), {300, 6100, 4000, 360}, panelPage());
+    MSFlexGrid2 = new widgets::FlexGrid(panelPage());
     MSFlexGrid2->setFormatString(memberFormat());
     widgets::setTwipsGeometry(MSFlexGrid2, {300, 6480, 11400, 1455});
-    Command1 = new QPushButton(QStringLiteral("终止"), Picture1);
+    Command1 = new QPushButton(QStringLiteral("终止"), panelPage());
     widgets::setTwipsGeometry(Command1, {3150, 8055, 1470, 450});
-    Command2 = new QPushButton(QStringLiteral("关闭"), Picture1);
+    Command2 = new QPushButton(QStringLiteral("关闭"), panelPage());
     widgets::setTwipsGeometry(Command2, {7680, 8055, 1470, 450});
+
+    // Termination deletes the accounts, hence the delete key.
+    widgets::giveKeys(Command1, {Qt::CTRL | Qt::Key_Delete});
+    widgets::giveKeys(Command2, {Qt::Key_Escape});
+    widgets::giveKeys(Command4, {Qt::Key_F5});
+    widgets::giveKeys(Command5, {Qt::CTRL | Qt::Key_W});
 }
 
 void frmQivo账号一览表::connectEvents() {

@@ -21,13 +21,18 @@ QString memberAccountsQuery(const QString& ownerId) {
            QStringLiteral(" Order By 姓名");
 }
 
-QString terminateBatch(qint32 ownerAccount, const QList<qint32>& memberAccounts) {
-    QString batch =
-        QStringLiteral("Delete 业户互联网 Where HLWID= ") + QString::number(ownerAccount);
+QString terminateBatch(qint32 ownerAccount, const QList<qint32>& memberAccounts,
+                       const QString& ownerGuard) {
+    QString batch = QStringLiteral("Delete 业户互联网 Where HLWID= ") +
+                    QString::number(ownerAccount) + ownerGuard;
     for (const qint32 member : memberAccounts) {
         batch += QStringLiteral(" Delete 业户互联网 Where HLWID= ") + QString::number(member);
     }
     return batch;
+}
+
+QString stillApproved() {
+    return QStringLiteral(" And 审核人 Is Not Null");
 }
 
 }  // namespace qivo::register_sql

@@ -10,7 +10,11 @@ QString approvedListQuery();
 QString ownerDetailQuery(qint32 ownerId);
 // Every account of the household but the owner's own, pending ones included.
 QString memberAccountsQuery(const QString& ownerId);
-// The owner's account first, then the member accounts in the order given, as one batch.
-QString terminateBatch(qint32 ownerAccount, const QList<qint32>& memberAccounts);
+// The owner's account first, then the member accounts in the order given, as one batch; the
+// owner's delete also has to meet ownerGuard.
+QString terminateBatch(qint32 ownerAccount, const QList<qint32>& memberAccounts,
+                       const QString& ownerGuard = {});
+// The owner's guard at a termination: the account is still there as approved.
+QString stillApproved();
 
 }  // namespace qivo::register_sql

@@ -95,24 +95,30 @@ void frmQivo账号审核::markMismatches() {
 }
 
 void frmQivo账号审核::Command3_Click() {
-    decideOpenedRow(QStringLiteral("确认该Qivo账号审核通过？"), [](qint32 registration) {
-        return review_sql::approveStatement(QDate::currentDate(), CurrentUserName, registration);
-    });
+    decideOpenedRow(QStringLiteral("确认该Qivo账号审核通过？"), QStringLiteral("已审核通过"),
+                    [](qint32 registration) {
+                        return review_sql::approveStatement(QDate::currentDate(), CurrentUserName,
+                                                            registration);
+                    });
 }
 
 void frmQivo账号审核::Command1_Click() {
-    decideOpenedRow(QStringLiteral("确认该Qivo账号审核不通过？"), &review_sql::rejectStatement);
+    decideOpenedRow(QStringLiteral("确认该Qivo账号审核不通过？"), QStringLiteral("已审核不通过"),
+                    &review_sql::rejectStatement);
 }
 
-// Asks the question; on Yes runs the statement for the registration the panel shows and reloads
-// the list.
-void frmQivo账号审核::decideOpenedRow(const QString& question,
+// Asks the question; on Yes decides the registration the panel shows while it is still pending,
+// reloads the list and says what was done.
+void frmQivo账号审核::decideOpenedRow(const QString& question, const QString& done,
                                       const std::function<QString(qint32)>& statement) {
     if (widgets::MsgBox(question, widgets::vbYesNo) == widgets::vbNo) {
         return;
     }
-    Connection::cn().Execute(statement(openedRegistration()));
-    LoadPendingList();
+    const QString account = openedAccount();
+    if (decide(statement(openedRegistration()) + review_sql::stillPending(),
+               [this] { LoadPendingList(); })) {
+        reportDone(done, account);
+    }
 }
 
 void frmQivo账号审核::Command2_Click() {

@@ -34,7 +34,8 @@ class frmQivo账号审核 final : public AccountScreen {
     void buildButtons();
     void connectEvents();
     void markMismatches();
-    void decideOpenedRow(const QString& question, const std::function<QString(qint32)>& statement);
+    void decideOpenedRow(const QString& question, const QString& done,
+                         const std::function<QString(qint32)>& statement);
 
     bool ownerShown_ = false;
 };

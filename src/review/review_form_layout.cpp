@@ -1,6 +1,7 @@
 #include <QStyle>
 
 #include "review/review_form.h"
+#include "widgets/button_keys.h"
 #include "widgets/error_path.h"
 #include "widgets/screen_font.h"
 #include "widgets/single_form.h"
@@ -17,6 +18,7 @@ AccountScreenDesign reviewDesign() {
             .exitMargin = 400,
             .title = QStringLiteral("待审核Qivo账号"),
             .listFormat = listFormat,
+            .countText = QStringLiteral("待审核 %1 条"),
             .panel = {0, 0, 11400, 6600},
             .accountFields = {300, 1050},
             .ownerFields = {5700, 1050}};
@@ -37,25 +39,33 @@ frmQivo账号审核::frmQivo账号审核(QWidget* parent) : AccountScreen(review
     widgets::setTwipsGeometry(this, {0, 0, 15030, 9000});
     buildButtons();
     connectEvents();
+    openWideEnoughForList();
     setSmallestSize({Label1[0], Command6});
 }
 
 void frmQivo账号审核::buildButtons() {
-    Command6 = new QPushButton(QStringLiteral("已审核Qivo账号"), this);
-    widgets::setTwipsGeometry(Command6, {6300, 45, 1800, 375});
+    Command6 = new QPushButton(QStringLiteral("已审核&Qivo账号"), this);
+    widgets::setTwipsGeometry(Command6, {2700, 45, 1800, 375});
     Command4 = pictureButton(QStyle::SP_BrowserReload, QStringLiteral("刷新"), this);
     widgets::setTwipsGeometry(Command4, {12600, 45, 555, 375});
     Command5 = pictureButton(QStyle::SP_DialogCloseButton, QStringLiteral("退出"), this);
     widgets::setTwipsGeometry(Command5, {14100, 45, 555, 375});
 
-    addHeading(QStringLiteral("Qivo注册资料"), {300, 600, 4000, 360}, Picture1);
-    addHeading(QStringLiteral("业主资料"), {5700, 600, 4000, 360}, Picture1);
-    Command3 = new QPushButton(QStringLiteral("审核同意"), Picture1);
+    addHeading(QStringLiteral("Qivo注册资料"), {300, 600, 4000, 360}, panelPage());
+    addHeading(QStringLiteral("业主资料"), {5700, 600, 4000, 360}, panelPage());
+    Command3 = new QPushButton(QStringLiteral("审核同意"), panelPage());
     widgets::setTwipsGeometry(Command3, {1400, 4200, 1470, 450});
-    Command1 = new QPushButton(QStringLiteral("审核不同意"), Picture1);
+    Command1 = new QPushButton(QStringLiteral("审核不同意"), panelPage());
     widgets::setTwipsGeometry(Command1, {3100, 4200, 1470, 450});
-    Command2 = pictureButton(QStyle::SP_DialogCancelButton, QStringLiteral("关闭"), Picture1);
+    Command2 = pictureButton(QStyle::SP_DialogCancelButton, QStringLiteral("关闭"), panelPage());
     widgets::setTwipsGeometry(Command2, {4800, 4200, 555, 450});
+
+    // Approval and rejection by keyboard; rejection deletes the registration.
+    widgets::giveKeys(Command3, {Qt::CTRL | Qt::Key_Enter, Qt::CTRL | Qt::Key_Return});
+    widgets::giveKeys(Command1, {Qt::CTRL | Qt::Key_Delete});
+    widgets::giveKeys(Command2, {Qt::Key_Escape});
+    widgets::giveKeys(Command4, {Qt::Key_F5});
+    widgets::giveKeys(Command5, {Qt::CTRL | Qt::Key_W});
 }
 
 void frmQivo账号审核::connectEvents() {

@@ -27,4 +27,8 @@ QString rejectStatement(qint32 registration) {
     return QStringLiteral("Delete 业户互联网 Where HLWID= ") + QString::number(registration);
 }
 
+QString stillPending() {
+    return QStringLiteral(" And 审核人 Is Null");
+}
+
 }  // namespace qivo::review_sql

@@ -12,5 +12,7 @@ QString ownerQuery(qint32 ownerId);
 // same under every language setting.
 QString approveStatement(const QDate& date, const QString& reviewer, qint32 registration);
 QString rejectStatement(qint32 registration);
+// Added to either decision: it changes the registration only while it is still pending.
+QString stillPending();
 
 }  // namespace qivo::review_sql

@@ -2,6 +2,7 @@
 
 #include "runtime/runtime_error.h"
 #include "runtime/settings.h"
+#include "session/query_wait.h"
 #include "widgets/msgbox.h"
 
 namespace qivo::Connection {
@@ -11,6 +12,7 @@ bool OpenConnection(QString& userId, QString& password, QString& catalog, QStrin
         ConnectionString = composeConnectionString(userId, password, catalog, dataSource);
         Cn = std::make_unique<database::AdoConnection>();
         prepareConnection(*Cn, ConnectionString);
+        showWaitWindowForSlowStatements();
         Cn->Open();
         return true;
     } catch (const runtime::RuntimeError& error) {
@@ -43,20 +45,44 @@ database::AdoConnection& cn() {
 
 namespace qivo {
 
+namespace {
+
+const QString kApp = QStringLiteral("Merivane");
+const QString kSection = QStringLiteral("DBConfig");
+
+}  // namespace
+
 ConnectionSettings readConnectionSettings() {
-    const QString app = QStringLiteral("Merivane");
-    const QString section = QStringLiteral("DBConfig");
     ConnectionSettings settings;
-    settings.location = runtime::settingsLocation(app, section);
-    settings.dataSource = runtime::GetSetting(app, section, "Svr");
-    settings.userId = runtime::GetSetting(app, section, "UID");
-    settings.password = runtime::GetSetting(app, section, "PWD");
-    settings.catalog = runtime::GetSetting(app, section, "DBname");
+    settings.location = runtime::settingsLocation(kApp, kSection);
+    settings.dataSource = runtime::GetSetting(kApp, kSection, "Svr");
+    settings.userId = runtime::GetSetting(kApp, kSection, "UID");
+    settings.password = runtime::GetSetting(kApp, kSection, "PWD");
+    settings.catalog = runtime::GetSetting(kApp, kSection, "DBname");
     return settings;
+}
+
+QString connectionSettingsHelp() {
+#ifdef Q_OS_WIN
+    const QString place = runtime::settingsLocation(kApp, kSection);
+#else
+    const QString place = runtime::settingsLocation(kApp, kSection) + " 的 [DBConfig] 节";
+#endif
+    return "设置位置：" + place +
+           "\n四项设置：Svr（SQL Server 服务器，如 dbserver,1433）、UID（登录名）、PWD（密码）、"
+           "DBname（数据库名）";
 }
 
 bool ConnectDatabase() {
     ConnectionSettings settings = readConnectionSettings();
+    if (settings.dataSource.isEmpty()) {
+        widgets::MsgBox("没有数据库连接设置：设置中没有服务器（Svr）。\n\n" +
+                            connectionSettingsHelp() +
+                            "\n\n请系统管理员写好这四项设置，再运行 qivo-review --check "
+                            "检查连接。",
+                        widgets::vbInformation, "连接提示");
+        return false;
+    }
     if (!Connection::OpenConnection(settings.userId, settings.password, settings.catalog,
                                     settings.dataSource)) {
         widgets::MsgBox("数据库连接失败!", widgets::vbInformation, "连接提示");

@@ -42,8 +42,13 @@ struct ConnectionSettings {
 };
 ConnectionSettings readConnectionSettings();
 
+// Where the four connection settings are read from and what they are, for a person setting up
+// a workstation: two lines.
+QString connectionSettingsHelp();
+
 // Reads the four connection settings and opens the shared connection; on failure shows
-// "数据库连接失败!" and returns false.
+// "数据库连接失败!" and returns false. Without a server in the settings it says where they are
+// read from instead, and does not try.
 bool ConnectDatabase();
 
 }  // namespace qivo

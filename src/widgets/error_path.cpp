@@ -1,5 +1,8 @@
 #include "widgets/error_path.h"
 
+#include <QDirIterator>
+#include <QIcon>
+
 #include "runtime/runtime_error.h"
 #include "widgets/msgbox.h"
 
@@ -22,7 +25,13 @@ void reportError(const std::exception& error) {
     }
 }
 
-Application::Application(int& argc, char** argv) : QApplication(argc, argv) {}
+Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
+    QIcon icon;
+    for (QDirIterator size(QStringLiteral(":/icons")); size.hasNext();) {
+        icon.addFile(size.next());
+    }
+    setWindowIcon(icon);
+}
 
 bool Application::notify(QObject* receiver, QEvent* event) {
     try {

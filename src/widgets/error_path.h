@@ -29,7 +29,8 @@ QMetaObject::Connection onEvent(Sender* sender, Signal signal, const QObject* co
     return QObject::connect(sender, signal, context, [handler] { guarded(handler); });
 }
 
-// The application object: the last net at the event boundary for anything a handler threw.
+// The application object: the last net at the event boundary for anything a handler threw. It
+// gives every window the program's icon.
 class Application final : public QApplication {
   public:
     Application(int& argc, char** argv);

@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStringList>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QToolTip>
 #include <algorithm>
@@ -18,7 +19,6 @@ namespace qivo::widgets {
 namespace {
 
 constexpr long kBadSubscript = 381;
-constexpr int kTextPaddingPixels = 8;
 
 bool isAlignmentMark(QChar c) {
     return c == '<' || c == '^' || c == '>';
@@ -52,6 +52,8 @@ FlexGrid::FlexGrid(QWidget* parent) : QTableView(parent), model_(new FlexGridMod
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
     setWordWrap(false);
+    // Tab leaves the list for the window's next control; the arrow keys move between cells.
+    setTabKeyNavigation(false);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
@@ -262,20 +264,17 @@ void FlexGrid::showRow(int row) {
     }
 }
 
-// The blanks behind a header text are there to widen the column. They were counted in a face
-// that draws a blank as wide as a digit, so each is measured as one here.
+// The blanks behind a header text are there to widen the column: the segment, blanks and all,
+// as the grid's font draws it, inside the cell's own margins.
 int FlexGrid::formatWidthTwips(const QString& segment) const {
     if (segment.isEmpty()) {
         return defaultWidthTwips();
     }
-    qsizetype text = segment.size();
-    while (text > 0 && segment[text - 1] == u' ') {
-        --text;
-    }
-    const QFontMetrics metrics = fontMetrics();
-    const int blanks = static_cast<int>(segment.size() - text);
-    return pixelsToTwips(metrics.horizontalAdvance(segment.left(text)) +
-                         blanks * metrics.horizontalAdvance(u'0') + kTextPaddingPixels);
+    return pixelsToTwips(fontMetrics().horizontalAdvance(segment) + textMargins());
+}
+
+int FlexGrid::textMargins() const {
+    return 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1);
 }
 
 // Columns still as wide as the format string made them follow a new font.
@@ -306,6 +305,14 @@ QRect FlexGrid::cellRect(int row, int col) const {
     return visualRect(model_->index(row - 1, col));
 }
 
+int FlexGrid::shownColumnsWidth() const {
+    int pixels = 0;
+    for (const int twips : widths_) {
+        pixels += twipsToPixels(twips);
+    }
+    return pixels;
+}
+
 void FlexGrid::showEvent(QShowEvent* event) {
     QTableView::showEvent(event);
     if (!model_->isLive()) {
@@ -332,7 +339,7 @@ bool FlexGrid::viewportEvent(QEvent* event) {
     const QModelIndex cell = indexAt(help->pos());
     const QString text = cell.isValid() ? TextMatrix(cell.row() + 1, cell.column()) : QString();
     const QRect place = visualRect(cell);
-    if (fontMetrics().horizontalAdvance(text) + kTextPaddingPixels > place.width()) {
+    if (fontMetrics().horizontalAdvance(text) + textMargins() > place.width()) {
         QToolTip::showText(help->globalPos(), text, viewport(), place);
     } else {
         QToolTip::hideText();

@@ -66,8 +66,8 @@ class FlexGrid final : public QTableView {
 
     QString FormatString() const { return formatString_; }
     // "<序    |<项目名称   |^操作 |": columns, header texts, data alignments ('<' left,
-    // '^' centre, '>' right) and initial widths from the header text's width, blanks included;
-    // widths still at that value follow later font changes.
+    // '^' centre, '>' right) and initial widths: the segment's width in the grid's font, blanks
+    // included, plus the cell's text margins; widths still at that value follow font changes.
     // A trailing '|' adds a last untitled column.
     void setFormatString(const QString& format);
 
@@ -79,6 +79,10 @@ class FlexGrid final : public QTableView {
 
     // The visual rectangle of a cell (row 0 is the header), for tests that click like a user.
     QRect cellRect(int row, int col) const;
+    // Pixels the shown columns take side by side.
+    int shownColumnsWidth() const;
+    // Pixels a cell keeps clear of its text, both sides together.
+    int textMargins() const;
 
   Q_SIGNALS:
     void Click();

@@ -55,6 +55,7 @@ void GridFindBar::openBar() {
     }
     text_->setFocus(Qt::ShortcutFocusReason);
     text_->selectAll();
+    Q_EMIT openedOrClosed();
 }
 
 void GridFindBar::closeBar() {
@@ -63,6 +64,7 @@ void GridFindBar::closeBar() {
         shortcut->setEnabled(false);
     }
     grid_->setFocus(Qt::OtherFocusReason);
+    Q_EMIT openedOrClosed();
 }
 
 void GridFindBar::findNext() {

@@ -15,7 +15,8 @@ class FlexGrid;
 // it. Typing makes the first row with a shown cell that contains the text (Latin letters in either
 // case) the grid's current row and scrolls it into view; Enter and F3 go to the next such row,
 // Shift+F3 to the previous one, round the ends. It moves Row only: nothing is opened and no
-// Click is raised, so a double-click or Enter afterwards opens the found row as usual.
+// Click is raised, so a double-click or Enter afterwards opens the found row as usual. The bar
+// sits under the grid; the window makes room for it there when it opens or closes.
 class GridFindBar final : public QFrame {
     Q_OBJECT
   public:
@@ -29,6 +30,9 @@ class GridFindBar final : public QFrame {
     void closeBar();
     void findNext();
     void findPrevious();
+
+  Q_SIGNALS:
+    void openedOrClosed();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -18,18 +18,13 @@ void ImageButton::setBorderStyle(int style) {
 
 void ImageButton::mousePressEvent(QMouseEvent* event) {
     event->accept();
-    if (event->button() == Qt::LeftButton) {
-        Q_EMIT MouseDown();
-    }
+    Q_EMIT MouseDown();
 }
 
 void ImageButton::mouseReleaseEvent(QMouseEvent* event) {
     event->accept();
-    if (event->button() != Qt::LeftButton) {
-        return;
-    }
     Q_EMIT MouseUp();
-    if (rect().contains(event->position().toPoint())) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
         Q_EMIT Click();
     }
 }

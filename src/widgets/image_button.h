@@ -4,8 +4,8 @@
 
 namespace qivo::widgets {
 
-// A small picture that acts as a button for the left mouse button: MouseDown, MouseUp, then
-// Click when the button is released over it. BorderStyle 1 draws a thin single border, 0 none.
+// A small picture that acts as a button: MouseDown and MouseUp for any mouse button, then Click
+// when the left button is released over it. BorderStyle 1 draws a thin single border, 0 none.
 class ImageButton final : public QLabel {
     Q_OBJECT
 

@@ -60,8 +60,11 @@ void placeWindow(QWidget* window, const QWidget* beside) {
     const QScreen* screen = beside != nullptr ? beside->screen() : window->screen();
     const QRect area = screen->availableGeometry();
     const QMargins frame = expectedFrame();
-    const QSize size =
-        window->size().boundedTo(area.size().shrunkBy(frame)).expandedTo(window->minimumSize());
+    const QSize room = area.size().shrunkBy(frame);
+    // A window that needs more than the screen holds, as at a large scale on a small screen,
+    // scrolls what does not fit instead.
+    window->setMinimumSize(window->minimumSize().boundedTo(room));
+    const QSize size = window->size().boundedTo(room).expandedTo(window->minimumSize());
     window->resize(size);
     const QSize outer = size.grownBy(frame);
     const QPoint wanted = beside != nullptr

@@ -17,7 +17,8 @@ void setTwipsGeometry(QWidget* widget, const TwipsRect& rect);
 
 // Sizes and places a window about to be shown so that its frame, title bar included, lies in
 // the free area of its screen: centred there, or offset below and right of `beside` when given,
-// so neither window covers the other's title bar. The window never shrinks below its minimum.
+// so neither window covers the other's title bar. The window never shrinks below its minimum,
+// and its minimum never exceeds the screen's free area.
 void placeWindow(QWidget* window, const QWidget* beside = nullptr);
 
 }  // namespace qivo::widgets

@@ -9,12 +9,17 @@ namespace qivo::widgets {
 StatusBar::StatusBar(QWidget* parent, int panels) : QStatusBar(parent) {
     setSizeGripEnabled(false);
     for (int i = 0; i < panels; ++i) {
-        auto* label = new QLabel(this);
-        label->setFrameShape(QFrame::Panel);
-        label->setFrameShadow(QFrame::Sunken);
-        addWidget(label, 1);
-        panels_.push_back(label);
+        addPanel(1);
     }
+}
+
+int StatusBar::addPanel(int stretch) {
+    auto* label = new QLabel(this);
+    label->setFrameShape(QFrame::Panel);
+    label->setFrameShadow(QFrame::Sunken);
+    addWidget(label, stretch);
+    panels_.push_back(label);
+    return panelCount();
 }
 
 QString StatusBar::panelText(int index) const {

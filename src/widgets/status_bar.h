@@ -16,6 +16,8 @@ class StatusBar final : public QStatusBar {
     QString panelText(int index) const;
     void setPanelText(int index, const QString& text);
     int panelCount() const { return static_cast<int>(panels_.size()); }
+    // Adds a panel on the right and returns its number; stretch 0 keeps it as wide as its text.
+    int addPanel(int stretch);
 
   private:
     QLabel* panel(int index) const;  // throws runtime::RuntimeError for an index out of range

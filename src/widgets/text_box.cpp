@@ -1,5 +1,6 @@
 #include "widgets/text_box.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -49,6 +50,11 @@ void TextBox::setReadOnly(bool readOnly) {
     } else {
         plain_->setReadOnly(readOnly);
     }
+    // A box that takes no typing is drawn on the window's colour, not the colour of an entry.
+    QPalette look = editor()->palette();
+    look.setBrush(QPalette::Base,
+                  readOnly ? look.window() : QApplication::palette(editor()).base());
+    editor()->setPalette(look);
 }
 
 void TextBox::setPasswordChar(bool on) {

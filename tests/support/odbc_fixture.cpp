@@ -10,6 +10,7 @@ OdbcFixture::OdbcFixture(const std::function<void(FixtureDb&)>& seed) {
         seed(db);
     }
     server_ = std::make_unique<TdsServer>(db.path());
+    server_->setLoginPassword("secret");
     reconnect();
 }
 

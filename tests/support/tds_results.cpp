@@ -3,7 +3,6 @@
 #include <sqlite3.h>
 
 #include <QDateTime>
-#include <QHash>
 #include <QRegularExpression>
 #include <algorithm>
 
@@ -22,19 +21,6 @@ constexpr quint8 kNVarChar = 0xE7;
 // Chinese_PRC_CI_AS: locale 0x0804 (code page 936), case-, kana- and width-insensitive.
 constexpr char kCollation[5] = {0x04, 0x08, char(0xD0), 0x00, 0x00};
 
-// Text columns of the estate schema whose SQL Server type is not varchar(50), with sizes the
-// test values fill: in bytes of code page 936 for varchar, in characters for nvarchar.
-struct TextType {
-    quint8 type;
-    int size;
-};
-const QHash<QString, TextType>& textTypes() {
-    static const QHash<QString, TextType> types = {
-        {"姓名", {kVarChar, 8}},     {"GYD_Name", {kVarChar, 8}}, {"备注", {kVarChar, 8000}},
-        {"ZL_bz", {kVarChar, 8000}}, {"Qivo号", {kNVarChar, 12}}, {"ZL_xm", {kNVarChar, 2}},
-        {"说明", {kNVarChar, 10}},
-    };
-    return types;
 }
 
 struct Column {
@@ -61,10 +47,14 @@ bool allIntegers(const std::vector<QVariantList>& rows, int index) {
     });
 }
 
-// The type and size a table column has on SQL Server, by name and embedded declared type.
+// The type and size a table column has on SQL Server, by name and embedded declared type: text
+// columns are declared with their server type, varchar(n) or nvarchar(n).
 Column schemaColumn(const QString& name, const QString& declared) {
-    if (const auto text = textTypes().constFind(name); text != textTypes().constEnd()) {
-        return {name, text->type, text->size * (text->type == kNVarChar ? 2 : 1)};
+    static const QRegularExpression text(R"(^(n?)varchar\((\d+)\))",
+                                         QRegularExpression::CaseInsensitiveOption);
+    if (const auto match = text.match(declared); match.hasMatch()) {
+        const bool wide = !match.captured(1).isEmpty();
+        return {name, wide ? kNVarChar : kVarChar, match.captured(2).toInt() * (wide ? 2 : 1)};
     }
     if (declared.contains("DATE")) {
         return {name, kDateTimeN};
@@ -221,6 +211,8 @@ void writeSqliteError(Writer& out, const QString& message) {
     } else if (message == database::dateConversionMessage()) {
         writeError(out, 241,
                    "Conversion failed when converting date and/or time from character string.");
+    } else if (message == database::truncationMessage()) {
+        writeError(out, 8152, "String or binary data would be truncated.");
     } else if (message.startsWith("UNIQUE constraint failed")) {
         writeError(out, 2627, "Violation of PRIMARY KEY constraint. " + message);
     } else {

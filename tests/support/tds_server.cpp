@@ -10,6 +10,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
+#include <QTimer>
 #include <atomic>
 #include <bit>
 #include <optional>
@@ -98,17 +99,51 @@ std::optional<QVariant> readParameter(Reader& in) {
     }
 }
 
+// Requests held back before they run (holdStatements).
+struct Hold {
+    QByteArray text;  // as the request carries it, UTF-16
+    int ms = 0;
+};
+
+// What the server's sessions share with the test that runs it.
+struct Shared {
+    std::atomic<qint64> busy{0};
+    std::atomic<bool> dayFirst{false};
+    std::atomic<bool> rollbackKeeps{false};
+    QMutex mutex;  // guards the members below
+    QStringList calls;
+    QString password;
+    QString defaultLanguage = QStringLiteral("us_english");
+    TdsServer::Login lastLogin;
+    std::optional<std::pair<TdsServer::Fault, QString>> fault;
+    Hold hold;
+};
+
+// The fields of a LOGIN7 record that the server checks: offsets and lengths in characters from
+// a table at the record's start; the password's bytes have their halves swapped and 0xA5 mixed in.
+TdsServer::Login readLogin(const QByteArray& record) {
+    auto field = [&record](int at) {
+        Reader in(record, at);
+        const quint16 offset = in.u16();
+        return Reader(record, offset).ucs2(in.u16());
+    };
+    QByteArray password = record.mid(qFromLittleEndian<quint16>(record.constData() + 44),
+                                     qFromLittleEndian<quint16>(record.constData() + 46) * 2);
+    for (char& byte : password) {
+        const quint8 plain = quint8(byte) ^ 0xA5;
+        byte = char(quint8(plain << 4) | quint8(plain >> 4));
+    }
+    return {field(40), Reader::fromUcs2(password), field(64)};
+}
+
+QString quoted(const QString& text) {
+    return u'\'' + QString(text).replace(u'\'', QStringLiteral("''")) + u'\'';
+}
+
 class Session {
   public:
-    Session(QTcpSocket* socket, const QString& path, bool dayFirst,
-            const std::atomic<bool>& rollbackKeeps, std::atomic<qint64>& busy, QStringList& calls,
-            QMutex& mutex)
-        : socket_(socket),
-          dayFirst_(dayFirst),
-          rollbackKeeps_(rollbackKeeps),
-          busy_(busy),
-          calls_(calls),
-          mutex_(mutex) {
+    Session(QTcpSocket* socket, const QString& path, Shared& shared)
+        : socket_(socket), dayFirst_(shared.dayFirst), shared_(shared), hold_(shared.hold) {
         sqlite3_open_v2(path.toUtf8().constData(), &db_, SQLITE_OPEN_READWRITE, nullptr);
         database::registerSqliteFunctions(db_);
         addCatalog(db_);
@@ -131,14 +166,40 @@ class Session {
             const bool last = input_[1] & 0x01;
             message_ += input_.mid(8, length - 8);
             input_.remove(0, length);
-            if (last) {
+            if (last && holds(type)) {
+                holdBack(type);
+            } else if (last) {
+                if (type == kPacketAttention) {
+                    ++held_;
+                }
                 QElapsedTimer timer;
                 timer.start();
                 answer(type, message_);
-                busy_ += timer.nsecsElapsed();
+                shared_.busy += timer.nsecsElapsed();
                 message_.clear();
             }
         }
+    }
+
+    bool holds(quint8 type) {
+        QMutexLocker lock(&shared_.mutex);
+        return (type == kPacketBatch || type == kPacketRpc) && !hold_.text.isEmpty() &&
+               message_.contains(hold_.text);
+    }
+
+    // Answers the request later unless an attention comes first.
+    void holdBack(quint8 type) {
+        int ms = 0;
+        {
+            QMutexLocker lock(&shared_.mutex);
+            ms = hold_.ms;
+        }
+        QTimer::singleShot(ms, socket_, [this, type, request = message_, id = ++held_] {
+            if (id == held_) {
+                answer(type, request);
+            }
+        });
+        message_.clear();
     }
 
     void answer(quint8 type, const QByteArray& request) {
@@ -147,9 +208,9 @@ class Session {
             case kPacketPrelogin:
                 return send(prelogin());
             case kPacketLogin:
-                return send(login());
+                return send(login(request));
             case kPacketBatch:
-                runText(db_, Reader::fromUcs2(request.mid(headersLength(request))), {}, false, out);
+                run(Reader::fromUcs2(request.mid(headersLength(request))), {}, false, out);
                 if (out.data.isEmpty()) {
                     writeDone(out, kTokenDone, 0);
                 }
@@ -212,11 +273,28 @@ class Session {
         out.endToken(start);
     }
 
-    static QByteArray login() {
+    // A login that names no language gets the login's own default.
+    QByteArray login(const QByteArray& record) {
         Writer out;
+        const TdsServer::Login given = readLogin(record);
+        QMutexLocker lock(&shared_.mutex);
+        shared_.lastLogin = given;
+        if (!shared_.password.isEmpty() && given.password != shared_.password) {
+            writeError(out, 18456, QStringLiteral("Login failed for user '%1'.").arg(given.user));
+            writeDone(out, kTokenDone, kDoneError);
+            return out.data;
+        }
+        language_ = given.language.isEmpty() ? shared_.defaultLanguage : given.language;
+        user_ = given.user;
+        const QString principals =
+            QStringLiteral(
+                "create temp view if not exists \"sys.server_principals\" as select "
+                "%1 as name, %2 as default_language_name")
+                .arg(quoted(given.user), quoted(shared_.defaultLanguage));
+        sqlite3_exec(db_, principals.toUtf8().constData(), nullptr, nullptr, nullptr);
         envChange(out, 1, "qivo", "master");
         envChangeBytes(out, 7, QByteArray("\x04\x08\xD0\x00\x00", 5), {});
-        envChange(out, 2, "us_english", "");
+        envChange(out, 2, language_, "");
         envChange(out, 4, QString::number(kPacketSize), QString::number(kPacketSize));
         const qsizetype start = out.beginToken(kTokenLoginAck);
         out.u8(1);
@@ -245,8 +323,8 @@ class Session {
             named << qMakePair(parameter, values.last());
         }
         {
-            QMutexLocker lock(&mutex_);
-            calls_ << name;
+            QMutexLocker lock(&shared_.mutex);
+            shared_.calls << name;
         }
         Writer out;
         if (!typed) {
@@ -259,7 +337,7 @@ class Session {
                     named[i].first.isEmpty() ? "@P" + QString::number(i - 1) : named[i].first,
                     asLoginReadsIt(values[i]));
             }
-            runText(db_, values.value(0).toString(), parameters, true, out);
+            run(values.value(0).toString(), parameters, true, out);
         } else if (name == "sp_cursoropen") {
             writeError(out, 16937,
                        "A server cursor is not allowed on a remote stored procedure or stored "
@@ -298,9 +376,16 @@ class Session {
         };
         if (kind == 5) {
             begin();
+        } else if ((kind == 7 || kind == 8) && sqlite3_get_autocommit(db_)) {
+            writeError(out, kind == 7 ? 3902 : 3903,
+                       QStringLiteral("The %1 TRANSACTION request has no corresponding BEGIN "
+                                      "TRANSACTION.")
+                           .arg(kind == 7 ? "COMMIT" : "ROLLBACK"));
+            writeDone(out, kTokenDone, kDoneError);
+            return out.data;
         } else if (kind == 7 || kind == 8) {
-            sqlite3_exec(db_, kind == 7 || rollbackKeeps_ ? "commit" : "rollback", nullptr, nullptr,
-                         nullptr);
+            sqlite3_exec(db_, kind == 7 || shared_.rollbackKeeps ? "commit" : "rollback", nullptr,
+                         nullptr, nullptr);
             envChangeBytes(out, kind == 7 ? 9 : 10, {}, kTransaction);
             in.skip(in.u8() * 2);  // transaction name
             if (in.u8() & 0x01) {
@@ -311,7 +396,47 @@ class Session {
         return out.data;
     }
 
+    // Runs a request's text as the server's variables read for this session, unless a fault
+    // set for it strikes first.
+    void run(QString text, const Parameters& parameters, bool inProcedure, Writer& out) {
+        std::optional<TdsServer::Fault> fault;
+        {
+            QMutexLocker lock(&shared_.mutex);
+            if (shared_.fault && text.contains(shared_.fault->second)) {
+                fault = shared_.fault->first;
+                shared_.fault.reset();
+            }
+        }
+        if (fault == TdsServer::Fault::Deadlock) {
+            endTransaction();
+            writeError(
+                out, 1205,
+                "Transaction (Process ID 52) was deadlocked on lock resources with another "
+                "process and has been chosen as the deadlock victim. Rerun the transaction.");
+            writeDone(out, inProcedure ? kTokenDoneInProc : kTokenDone, kDoneError | kDoneMore);
+            return;
+        }
+        dropping_ = fault == TdsServer::Fault::Drop;
+        text.replace(QStringLiteral("@@language"), quoted(language_), Qt::CaseInsensitive);
+        text.replace(QStringLiteral("suser_sname()"), quoted(user_), Qt::CaseInsensitive);
+        text.replace(QStringLiteral("@@trancount"), sqlite3_get_autocommit(db_) ? "0" : "1",
+                     Qt::CaseInsensitive);
+        runText(db_, text, parameters, inProcedure, out);
+    }
+
+    // The server ends an open transaction: what it wrote is undone.
+    void endTransaction() {
+        if (!sqlite3_get_autocommit(db_)) {
+            sqlite3_exec(db_, "rollback", nullptr, nullptr, nullptr);
+        }
+    }
+
     void send(const QByteArray& payload) {
+        if (dropping_) {
+            endTransaction();
+            socket_->abort();
+            return;
+        }
         QByteArray packets;
         qsizetype offset = 0;
         do {
@@ -330,10 +455,12 @@ class Session {
 
     QTcpSocket* socket_;
     bool dayFirst_;
-    const std::atomic<bool>& rollbackKeeps_;
-    std::atomic<qint64>& busy_;
-    QStringList& calls_;
-    QMutex& mutex_;
+    Shared& shared_;
+    QString language_;
+    QString user_;
+    bool dropping_ = false;
+    const Hold& hold_;
+    quint64 held_ = 0;  // the hold now waiting; an attention moves it on
     sqlite3* db_ = nullptr;
     QByteArray input_;
     QByteArray message_;
@@ -346,11 +473,7 @@ struct TdsServer::State {
     QThread thread;
     QTcpServer* listener = new QTcpServer;
     std::vector<std::unique_ptr<Session>> sessions;
-    std::atomic<qint64> busy{0};
-    std::atomic<bool> dayFirst{false};
-    std::atomic<bool> rollbackKeeps{false};
-    QStringList calls;
-    QMutex mutex;
+    Shared shared;
 };
 
 TdsServer::TdsServer(const QString& databasePath) : state_(std::make_unique<State>()) {
@@ -358,8 +481,7 @@ TdsServer::TdsServer(const QString& databasePath) : state_(std::make_unique<Stat
     s.listener->listen(QHostAddress::LocalHost);
     QObject::connect(s.listener, &QTcpServer::newConnection, s.listener, [&s, databasePath] {
         while (QTcpSocket* socket = s.listener->nextPendingConnection()) {
-            s.sessions.push_back(std::make_unique<Session>(
-                socket, databasePath, s.dayFirst, s.rollbackKeeps, s.busy, s.calls, s.mutex));
+            s.sessions.push_back(std::make_unique<Session>(socket, databasePath, s.shared));
         }
     });
     s.listener->moveToThread(&s.thread);
@@ -378,20 +500,46 @@ QString TdsServer::dataSource() const {
 }
 
 void TdsServer::setDayFirstLogins(bool dayFirst) {
-    state_->dayFirst = dayFirst;
+    state_->shared.dayFirst = dayFirst;
 }
 
 void TdsServer::setRollbackKeepsWrites(bool keeps) {
-    state_->rollbackKeeps = keeps;
+    state_->shared.rollbackKeeps = keeps;
+}
+
+void TdsServer::setLoginPassword(const QString& password) {
+    QMutexLocker lock(&state_->shared.mutex);
+    state_->shared.password = password;
+}
+
+void TdsServer::setDefaultLanguage(const QString& language) {
+    QMutexLocker lock(&state_->shared.mutex);
+    state_->shared.defaultLanguage = language;
+}
+
+TdsServer::Login TdsServer::lastLogin() const {
+    QMutexLocker lock(&state_->shared.mutex);
+    return state_->shared.lastLogin;
+}
+
+void TdsServer::failNext(Fault fault, const QString& fragment) {
+    QMutexLocker lock(&state_->shared.mutex);
+    state_->shared.fault = std::pair(fault, fragment);
+}
+
+void TdsServer::holdStatements(const QString& containing, int ms) {
+    QMutexLocker lock(&state_->shared.mutex);
+    state_->shared.hold = {
+        QByteArray(reinterpret_cast<const char*>(containing.utf16()), containing.size() * 2), ms};
 }
 
 qint64 TdsServer::busyNanoseconds() const {
-    return state_->busy;
+    return state_->shared.busy;
 }
 
 QStringList TdsServer::procedureCalls() const {
-    QMutexLocker lock(&state_->mutex);
-    return state_->calls;
+    QMutexLocker lock(&state_->shared.mutex);
+    return state_->shared.calls;
 }
 
 bool registerFreeTds(const QString& directory) {

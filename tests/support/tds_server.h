@@ -27,6 +27,26 @@ class TdsServer final {
     // Rolling back a transaction keeps what it wrote, as on a connection whose transaction never
     // began.
     void setRollbackKeepsWrites(bool keeps);
+    // From now on a request whose text contains `containing` is answered only after ms
+    // milliseconds, as a statement another session's lock holds; an attention (the client's
+    // cancel) coming first drops it unanswered and unrun. Empty text holds nothing.
+    void holdStatements(const QString& containing, int ms);
+    // Logins must give this password (while it is empty any is taken); another is refused as
+    // SQL Server refuses it (18456).
+    void setLoginPassword(const QString& password);
+    // The login's own default language, in force when the login packet names none.
+    void setDefaultLanguage(const QString& language);
+    // What the last login packet carried.
+    struct Login {
+        QString user;
+        QString password;
+        QString language;
+    };
+    Login lastLogin() const;
+    // The next request whose text holds fragment is the deadlock victim (1205: the server rolls
+    // its transaction back), or runs and loses its connection before any answer.
+    enum class Fault { Deadlock, Drop };
+    void failNext(Fault fault, const QString& fragment);
     // Time spent answering requests: running statements and encoding their results.
     qint64 busyNanoseconds() const;
     // The remote procedures called so far, by name.

@@ -1,0 +1,81 @@
+#include "widgets/grid_export.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <utility>
+
+#include "widgets/flex_grid.h"
+#include "widgets/msgbox.h"
+
+namespace qivo::widgets {
+
+namespace {
+
+SaveFileResponder& responder() {
+    static SaveFileResponder instance;
+    return instance;
+}
+
+QString csvField(const QString& text) {
+    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') &&
+        !text.contains(u'\r')) {
+        return text;
+    }
+    QString quoted = text;
+    quoted.replace(u'"', QStringLiteral("\"\""));
+    return u'"' + quoted + u'"';
+}
+
+QString askSaveFile(QWidget* window, const QString& proposedName) {
+    if (responder()) {
+        return responder()(proposedName);
+    }
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileDialog::getSaveFileName(window, QStringLiteral("导出列表"),
+                                        QDir(folder).filePath(proposedName),
+                                        QStringLiteral("CSV 文件 (*.csv)"));
+}
+
+}  // namespace
+
+QByteArray gridCsv(const FlexGrid& grid) {
+    std::vector<int> shown;
+    const QHeaderView* header = grid.horizontalHeader();
+    for (int visual = 0; visual < grid.Cols(); ++visual) {
+        const int col = header->logicalIndex(visual);
+        if (grid.ColWidth(col) > 0) {
+            shown.push_back(col);
+        }
+    }
+    QByteArray csv("\xEF\xBB\xBF");
+    for (int row = 0; row < grid.Rows(); ++row) {
+        QStringList fields;
+        for (const int col : shown) {
+            fields << csvField(grid.TextMatrix(row, col));
+        }
+        csv += fields.join(u',').toUtf8() + "\r\n";
+    }
+    return csv;
+}
+
+void setSaveFileResponder(SaveFileResponder responder) {
+    qivo::widgets::responder() = std::move(responder);
+}
+
+void exportGridCsv(const FlexGrid& grid, QWidget* window, const QString& proposedName) {
+    const QString path = askSaveFile(window, proposedName);
+    if (path.isEmpty()) {
+        return;
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(gridCsv(grid)) < 0 || !file.commit()) {
+        MsgBox(QStringLiteral("列表未能导出：无法写入文件 %1（%2）。请换一个位置或文件名再试。")
+                   .arg(QDir::toNativeSeparators(path), file.errorString()),
+               vbInformation);
+    }
+}
+
+}  // namespace qivo::widgets

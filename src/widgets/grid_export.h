@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+
+class QWidget;
+
+namespace qivo::widgets {
+
+class FlexGrid;
+
+// The grid as its user sees it, as CSV that a spreadsheet opens with Chinese intact: UTF-8 with a
+// byte-order mark, one line per row (the header row first) ended by CR LF, the shown columns
+// (wider than 0) in their shown order. A field holding a comma, a quote or a line break is
+// quoted, with its quotes doubled. Row data is not part of it.
+QByteArray gridCsv(const FlexGrid& grid);
+
+// Asks where to save, proposing `proposedName`; returns the chosen path, or empty text when the
+// user cancels.
+using SaveFileResponder = std::function<QString(const QString& proposedName)>;
+
+// Replaces the file dialog (tests choose the path with it); an empty function restores it.
+void setSaveFileResponder(SaveFileResponder responder);
+
+// Lets the user save the grid as CSV under a name of their choice, `proposedName` offered. A file
+// that cannot be written is reported in a message box. Reads nothing but the grid.
+void exportGridCsv(const FlexGrid& grid, QWidget* window, const QString& proposedName);
+
+}  // namespace qivo::widgets

@@ -1,0 +1,112 @@
+#include <QProcess>
+#include <QScreen>
+
+#include "owner/owner_form.h"
+#include "register/register_form.h"
+#include "review/review_form.h"
+#include "support/account_fixture.h"
+#include "support/grid_actions.h"
+#include "support/test_support.h"
+
+using namespace qivo;
+
+namespace {
+
+// In a process of its own, on the screen and scale its parent chose: each window opens whole
+// within its minimum, every button of an open panel comes into view, and on 1280x800 at 100 %
+// the action column is in view. Prints what fails; exits with the number of failures.
+int checkWindows() {
+    test::FixtureDb db;
+    test::writeEstates(db);
+    db.exec(
+        "insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 属性, 审核人) values "
+        "(1, 1, 'qv1', '王建国', '业主', null), (2, 2, 'qv2', '李娜', '业主', '王丽')");
+    test::MsgBoxRecorder messages;
+    test::EndRecorder ends;
+    int failures = 0;
+    const auto check = [&failures](bool holds, const QWidget& window, const char* what) {
+        if (!holds) {
+            std::fprintf(stderr, "%s: %s\n", qPrintable(window.windowTitle()), what);
+            ++failures;
+        }
+    };
+    const auto whole = [&check](widgets::Form& window) {
+        window.Show();
+        const QRect area = window.screen()->availableGeometry();
+        check(QTest::qWaitForWindowExposed(&window) && area.contains(window.frameGeometry()),
+              window, "not whole on the screen");
+        check(area.size().expandedTo(window.minimumSize()) == area.size(), window, "minimum");
+    };
+    const auto panel = [&](AccountScreen& screen, int col, std::vector<QWidget*> buttons) {
+        whole(screen);
+        check(screen.screen()->size() != QSize(1280, 800) ||
+                  screen.MSFlexGrid1->viewport()->rect().contains(
+                      screen.MSFlexGrid1->cellRect(1, col)),
+              screen, "action column out of view");
+        test::clickCell(*screen.MSFlexGrid1, 1, col);
+        for (QWidget* button : buttons) {
+            screen.Picture1->ensureWidgetVisible(button);
+            check(button->visibleRegion().boundingRect() == button->rect(), screen, "button");
+        }
+    };
+    frmQivo账号审核 review;
+    panel(review, 7, {review.Command3, review.Command1, review.Command2});
+    frmQivo账号一览表 accounts;
+    panel(accounts, 8, {accounts.Command1, accounts.Command2});
+    frm业户信息 owner;
+    owner.Frame1[0]->Tag = QStringLiteral("1");
+    whole(owner);
+    return failures;
+}
+
+}  // namespace
+
+class TestScreensFit final : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void everyWindowFitsAtEveryScale() {
+        QTemporaryDir dir;
+        for (const QSize screen : {QSize(1280, 800), QSize(1920, 1080)}) {
+            QFile config(dir.filePath(QStringLiteral("%1.json").arg(screen.width())));
+            QVERIFY(config.open(QIODevice::WriteOnly));
+            config.write(QStringLiteral(R"({"screens": [{"name": "s", "width": %1, "height": %2,
+                "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})")
+                             .arg(screen.width())
+                             .arg(screen.height())
+                             .toUtf8());
+            config.close();
+            for (const char* scale : {"1", "1.25", "1.5", "2"}) {
+                QProcess child;
+                QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+                env.insert(QStringLiteral("QIVO_FIT_CHILD"), QStringLiteral("1"));
+                env.insert(QStringLiteral("QT_SCALE_FACTOR"), scale);
+                env.insert(QStringLiteral("QT_QPA_PLATFORM"),
+                           "offscreen:configfile=" + config.fileName());
+                child.setProcessEnvironment(env);
+                child.start(QCoreApplication::applicationFilePath(), {});
+                QVERIFY(child.waitForFinished(120000));
+                QVERIFY2(child.exitCode() == 0,
+                         qPrintable(QStringLiteral("%1x%2 at %3: %4")
+                                        .arg(screen.width())
+                                        .arg(screen.height())
+                                        .arg(scale, QString::fromLocal8Bit(
+                                                        child.readAllStandardError()))));
+            }
+        }
+    }
+};
+
+int main(int argc, char** argv) {
+    QTemporaryDir settingsHome;
+    qputenv("XDG_CONFIG_HOME", settingsHome.path().toLocal8Bit());
+    widgets::Application app(argc, argv);
+    if (qEnvironmentVariableIsSet("QIVO_FIT_CHILD")) {
+        return checkWindows();
+    }
+    TestScreensFit test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_screens_fit.moc"
