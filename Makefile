@@ -14,7 +14,8 @@ DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 # tests under Wine, an NSIS installer.
 WIN_BUILD    ?= build-windows
 WIN_PACKAGES := g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine nsis zip cmake ninja-build \
-                qt6-base-dev-tools tdsodbc unixodbc
+                qt6-base-dev-tools tdsodbc unixodbc librsvg2-bin \
+                fonts-noto-cjk
 WIN_SDK_TAR  := ../shared/windows/qivo-windows-sdk.tar.xz
 WIN_SDK_HOME := build-windows-sdk
 WIN_SDK       = $${QIVO_WINDOWS_SDK:-$(CURDIR)/$(WIN_SDK_HOME)/qivo-windows-sdk}

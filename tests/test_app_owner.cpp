@@ -112,8 +112,9 @@ class TestAppOwner final : public QObject {
         QProcess process;
         runProgram(process, program, {"1001,王丽", option});
         QCOMPARE(process.exitCode(), status);
-        const QString shown = QString::fromUtf8(process.readAllStandardOutput());
-        const QString refused = QString::fromUtf8(process.readAllStandardError());
+        // Line ends as the system writes them (CR LF on Windows).
+        const QString shown = QString::fromUtf8(process.readAllStandardOutput()).remove(u'\r');
+        const QString refused = QString::fromUtf8(process.readAllStandardError()).remove(u'\r');
         QVERIFY2(out.isEmpty() ? shown.isEmpty() : shown.contains(out), qPrintable(shown));
         QVERIFY2(err.isEmpty() ? refused.isEmpty() : refused.contains(err), qPrintable(refused));
         QVERIFY((shown + refused).contains(runtime::settingsLocation("Merivane", "DBConfig")) ==

@@ -21,8 +21,6 @@ constexpr quint8 kNVarChar = 0xE7;
 // Chinese_PRC_CI_AS: locale 0x0804 (code page 936), case-, kana- and width-insensitive.
 constexpr char kCollation[5] = {0x04, 0x08, char(0xD0), 0x00, 0x00};
 
-}
-
 struct Column {
     QString name;
     quint8 type = kIntN;
