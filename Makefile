@@ -128,7 +128,7 @@ windows: windows-build
 # would wait for them.
 windows-test: windows-build
 	@export WINEPREFIX="$(WIN_PREFIX)" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" && \
-	  wineserver -k >/dev/null 2>&1; wineserver -p >/dev/null 2>&1 && \
+	  mkdir -p "$$WINEPREFIX" && { wineserver -k >/dev/null 2>&1; wineserver -p >/dev/null 2>&1; } && \
 	  trap 'wineserver -k >/dev/null 2>&1' EXIT && env -u DISPLAY wineboot -i >/dev/null 2>&1 && \
 	  cd $(WIN_BUILD) && ctest --output-on-failure -j $(JOBS)
 
