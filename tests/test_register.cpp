@@ -79,16 +79,13 @@ class TestRegister final : public QObject {
         QCOMPARE(grid.ColWidth(9), 0);
         QCOMPARE(form->MSFlexGrid2->Rows(), 1);
         QCOMPARE(form->MSFlexGrid2->Cols(), 5);
-        const QStringList first{"1",      "白云小区",    "1号楼3单元5室", "",           "赵六",
-                                "330104", "13600000004", "已迁出",        "查看\\终止", "4"};
-        for (int col = 0; col < grid.Cols(); ++col) {
-            QCOMPARE(grid.TextMatrix(1, col), first[col]);
-        }
+        QCOMPARE(test::gridLine(grid, 1),
+                 QStringList({"1", "白云小区", "1号楼3单元5室", "", "赵六", "330104", "13600000004",
+                              "已迁出", "查看\\终止", "4"}));
         // 说明 "" and Null are moved out; only the exact "新进户" is a current household.
-        QCOMPARE(grid.TextMatrix(2, 7), QString("已迁出"));
-        QCOMPARE(grid.TextMatrix(3, 7), QString("已迁出"));
-        QCOMPARE(grid.TextMatrix(4, 7), QString());
-        QCOMPARE(grid.TextMatrix(3, 6), QString());
+        QCOMPARE(QStringList({grid.TextMatrix(2, 7), grid.TextMatrix(3, 7), grid.TextMatrix(4, 7),
+                              grid.TextMatrix(3, 6)}),
+                 QStringList({"已迁出", "已迁出", "", ""}));
         for (int row = 1; row < grid.Rows(); ++row) {
             QCOMPARE(grid.cellForeColor(row, 8), quint32(0xFF0000));
         }
