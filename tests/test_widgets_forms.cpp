@@ -29,12 +29,7 @@ const QString kReviewFormat = QStringLiteral(
     "|<手机号     |^操作 |");
 
 long errorNumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const runtime::RuntimeError& error) {
-        return error.number();
-    }
-    return 0;
+    return test::errorOf(action).number();
 }
 
 // Fills data rows the way the list screens do: one row at a time, current cell moved along.
