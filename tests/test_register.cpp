@@ -75,7 +75,6 @@ class TestRegister final : public QObject {
     void listShowsApprovedOwnersWithHouseholdState() {
         widgets::FlexGrid& grid = *form->MSFlexGrid1;
         QCOMPARE(test::rowKeys(grid), QList<qint32>({204, 203, 202, 201}));
-        QCOMPARE(grid.Cols(), 10);
         QCOMPARE(grid.ColWidth(9), 0);
         QCOMPARE(form->MSFlexGrid2->Rows(), 1);
         QCOMPARE(form->MSFlexGrid2->Cols(), 5);
@@ -109,9 +108,7 @@ class TestRegister final : public QObject {
         widgets::FlexGrid& members = *form->MSFlexGrid2;
         QCOMPARE(test::rowKeys(members),
                  QList<qint32>({211, 213, 212}));  // by name, pending included
-        QCOMPARE(members.TextMatrix(2, 0), QString("2"));
-        QCOMPARE(members.TextMatrix(2, 1), QString());
-        QCOMPARE(members.TextMatrix(2, 2), QString("王五"));
+        QCOMPARE(test::gridLine(members, 2).mid(0, 3), QStringList({"2", "", "王五"}));
         QCOMPARE(members.TextMatrix(3, 4), QString("13311111112"));
 
         // A second opening replaces every box and the member list.

@@ -83,7 +83,6 @@ class TestReview final : public QObject {
     void listShowsPendingOwnersInAddressOrder() {
         widgets::FlexGrid& grid = *form->MSFlexGrid1;
         QCOMPARE(test::rowKeys(grid), QList<qint32>({104, 103, 102, 101}));
-        QCOMPARE(grid.Cols(), 9);
         QCOMPARE(grid.ColWidth(8), 0);
         QCOMPARE(grid.ColAlignmentFixed(3), widgets::flexAlignCenterCenter);
         QCOMPARE(test::gridLine(grid, 1), QStringList({"1", "白云小区", "1号楼3单元5室", "", "赵六",
@@ -103,6 +102,14 @@ class TestReview final : public QObject {
         QCOMPARE(form->StatusBar1->panelText(4), QString("待审核 4 条"));
         QVERIFY(grid.isVisible());
         QVERIFY(!form->Picture1->isVisible());
+
+        // A list of the header row alone opens nothing.
+        db->exec("Delete 业户互联网 Where HLWID < 200");
+        form->Command4_Click();
+        QCOMPARE(grid.Rows(), 1);
+        form->MSFlexGrid1_DblClick();
+        QVERIFY(!form->Picture1->isVisible());
+        QVERIFY(messages->messages.isEmpty());
     }
 
     void panelShowsRegistrationBesideOwner() {
@@ -194,15 +201,6 @@ class TestReview final : public QObject {
         QCOMPARE(form->Image1->BorderStyle(), 0);
         QTest::mouseClick(form->Image1, Qt::LeftButton);
         QVERIFY(!form->Picture1->isVisible());
-    }
-
-    void headerOnlyListOpensNothing() {
-        db->exec("Delete 业户互联网 Where HLWID < 200");
-        form->Command4_Click();
-        QCOMPARE(form->MSFlexGrid1->Rows(), 1);
-        form->MSFlexGrid1_DblClick();
-        QVERIFY(!form->Picture1->isVisible());
-        QVERIFY(messages->messages.isEmpty());
     }
 
     // The grid beside the panel stays live: a click or a key moves its current row, and the

@@ -167,7 +167,6 @@ class TestPlatformWidgets final : public QObject {
         QCOMPARE(model->index(1999, 4).data().toString(), QStringLiteral("r2000c4"));
         QCOMPARE(model->headerData(7, Qt::Horizontal).toString(), QStringLiteral("操作"));
         QVERIFY(grid.isColumnHidden(8));
-        QVERIFY(grid.verticalHeader()->isHidden());
         // The fill left the last row current; the list still opens at its top.
         QCOMPARE(grid.Row(), 2000);
         QCOMPARE(grid.verticalScrollBar()->value(), 0);
@@ -276,9 +275,6 @@ class TestPlatformWidgets final : public QObject {
         QSignalSpy enter(&box, &widgets::TextBox::returnPressed);
         QSignalSpy changed(&box, &widgets::TextBox::changed);
         box.setText("A0012");
-        box.selectAll();
-        QCOMPARE(box.selStart(), 0);
-        QCOMPARE(box.selLength(), 5);
         QTest::keyClick(box.lineEdit(), Qt::Key_Return);
         QCOMPARE(enter.count(), 1);
         QCOMPARE(changed.count(), 1);
