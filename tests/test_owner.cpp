@@ -101,7 +101,6 @@ class TestOwner final : public QObject {
         QCOMPARE(form->Grid2->TextMatrix(3, 0), QString("3"));
         QCOMPARE(form->Grid2->TextMatrix(3, 16), QString("13"));
         QCOMPARE(form->Grid2->ColWidth(16), 0);
-        QCOMPARE(form->Grid2->ColAlignmentFixed(5), widgets::flexAlignCenterCenter);
         QVERIFY(!form->Command6->isEnabled());
         QVERIFY(!form->Command7->isEnabled());
         QVERIFY(form->Frame1[1]->isEnabled());

@@ -84,7 +84,6 @@ class TestReview final : public QObject {
         widgets::FlexGrid& grid = *form->MSFlexGrid1;
         QCOMPARE(test::rowKeys(grid), QList<qint32>({104, 103, 102, 101}));
         QCOMPARE(grid.ColWidth(8), 0);
-        QCOMPARE(grid.ColAlignmentFixed(3), widgets::flexAlignCenterCenter);
         QCOMPARE(test::gridLine(grid, 1), QStringList({"1", "白云小区", "1号楼3单元5室", "", "赵六",
                                                        "330104", "13600000004", "审核", "4"}));
         QCOMPARE(QStringList({grid.TextMatrix(2, 2), grid.TextMatrix(3, 2), grid.TextMatrix(4, 2),
