@@ -6,7 +6,9 @@
 #include <QTest>
 #include <QVariant>
 #include <deque>
+#include <functional>
 
+#include "runtime/runtime_error.h"
 #include "widgets/error_path.h"
 #include "widgets/msgbox.h"
 
@@ -49,6 +51,9 @@ class FixtureDb {
     QTemporaryDir dir_;
     QString path_;
 };
+
+// The run-time error an action ends in; number 0 when it ends without one.
+runtime::RuntimeError errorOf(const std::function<void()>& action);
 
 }  // namespace qivo::test
 
