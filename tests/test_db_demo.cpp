@@ -36,27 +36,17 @@ class DemoTest final : public QObject {
             db::writeDemoData(*Connection::Cn, 300);
             const QStringList all = rows("select * from 业户互联网 order by HLWID");
             QCOMPARE(all.size(), 300);
-            if (run == 0) {
-                first = all;
-            } else {
-                QCOMPARE(all, first);
-            }
-            QVERIFY(
-                db.count("select count(*) from 业户互联网 where 审核人 is null and 属性 = '业主'") >
-                30);
-            QVERIFY(
-                db.count(
-                    "select count(*) from 业户互联网 where 审核人 is not null and 属性 <> '业主'") >
-                0);
-            QCOMPARE(db.count("select count(*) from 业户互联网 where ZH_ID not in (select ZH_ID "
-                              "from 业主表)"),
-                     1);
-            QCOMPARE(
-                db.count(
-                    "select count(*) from 室表 where L_ID = 1 and 室 in ('99', '101', '1001')"),
-                3);
-            QVERIFY(db.count("select count(*) from 业主表 where 说明 is null") > 0);
-            QVERIFY(db.count("select count(*) from 楼表 where 地址2 is null") > 0);
+            QCOMPARE(all, run == 0 ? all : first);
+            first = all;
+            const auto count = [&db](const QString& table, const QString& where) {
+                return db.count("select count(*) from " + table + " where " + where);
+            };
+            QVERIFY(count("业户互联网", "审核人 is null and 属性 = '业主'") > 30);
+            QVERIFY(count("业户互联网", "审核人 is not null and 属性 <> '业主'") > 0);
+            QCOMPARE(count("业户互联网", "ZH_ID not in (select ZH_ID from 业主表)"), 1);
+            QCOMPARE(count("室表", "L_ID = 1 and 室 in ('99', '101', '1001')"), 3);
+            QVERIFY(count("业主表", "说明 is null") > 0);
+            QVERIFY(count("楼表", "地址2 is null") > 0);
         }
     }
 

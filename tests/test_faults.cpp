@@ -261,16 +261,11 @@ class TestFaults final : public QObject {
         QCOMPARE(owner.Text2[0]->text(), QString("李娜"));
     }
 
-    // Empty and huge data sources: a message, no hang, no crash; no server at all is told apart
-    // from a server that cannot be reached.
-    void emptyAndHugeSettings() {
-        const std::pair<QString, QString> tries[] = {{QString(), "qivo-review --check"},
-                                                     {QString(100000, u'x'), "数据库连接失败!"}};
-        for (const auto& [source, told] : tries) {
-            runtime::SaveSetting("Merivane", "DBConfig", "Svr", source);
-            QVERIFY(!ConnectDatabase());
-            QVERIFY(messages->messages.last().prompt.contains(told));
-        }
+    // A huge data source: a message, no hang, no crash.
+    void hugeDataSource() {
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", QString(100000, u'x'));
+        QVERIFY(!ConnectDatabase());
+        QVERIFY(messages->messages.last().prompt.contains("数据库连接失败!"));
         runtime::SaveSetting("Merivane", "DBConfig", "Svr", db->dataSource());
         QVERIFY(ConnectDatabase());
     }

@@ -51,21 +51,18 @@ class OdbcScreensTest final : public QObject {
         test::MsgBoxRecorder boxes;
         int mainScreens = 0;
         showMainScreen = [&mainScreens] { ++mainScreens; };
-        {
-            frmLogin form;
+        frmLogin form;
+        const auto signIn = [&form](const char* user) {
             form.Show();
-            form.TxtUser->setText("1001");
+            form.TxtUser->setText(user);
             form.txtPassword->setText("pw");
             form.cmdOK->click();
-            QCOMPARE(mainScreens, 1);
-            QCOMPARE(CurrentUserName, QString("王丽"));
-            QCOMPARE(CurrentPostName, QString("客服主管"));
-        }
-        frmLogin form;
-        form.Show();
-        form.TxtUser->setText("1002");
-        form.txtPassword->setText("pw");
-        form.cmdOK->click();
+        };
+        signIn("1001");
+        QCOMPARE(mainScreens, 1);
+        QCOMPARE(CurrentUserName, QString("王丽"));
+        QCOMPARE(CurrentPostName, QString("客服主管"));
+        signIn("1002");
         QCOMPARE(form.List1->count(), 2);
         form.List1->setCurrentRow(0);
         form.List1_DblClick();

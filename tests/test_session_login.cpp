@@ -66,24 +66,18 @@ class LoginTest final : public QObject {
         QTest::addColumn<QString>("password");
         QTest::addColumn<QString>("message");
         QTest::addColumn<int>("style");
-        QTest::newRow("no user") << ""
-                                 << "pw"
-                                 << "用户名不能为空!" << 64;
-        QTest::newRow("no password") << "1001"
-                                     << ""
-                                     << "密码不能为空!" << 64;
-        QTest::newRow("wrong password") << "1001"
-                                        << "PX"
-                                        << "用户名或密码不正确,请重新输入!" << 64;
-        QTest::newRow("left") << "1003"
-                              << "pw"
-                              << "对不起，您没有岗位，请选择系统管理员" << 0;
-        QTest::newRow("posts ended") << "1004"
-                                     << "pw"
-                                     << "对不起，您没有岗位，请选择系统管理员" << 0;
-        QTest::newRow("super-user password untrimmed") << "qd"
-                                                       << " qorvelantism7315"
-                                                       << "用户名或密码不正确,请重新输入!" << 64;
+        const auto row = [](const char* name, const char* user, const char* password,
+                            const char* message, int style) {
+            QTest::newRow(name) << QString(user) << QString(password) << QString(message) << style;
+        };
+        const char* wrong = "用户名或密码不正确,请重新输入!";
+        const char* noPost = "对不起，您没有岗位，请选择系统管理员";
+        row("no user", "", "pw", "用户名不能为空!", 64);
+        row("no password", "1001", "", "密码不能为空!", 64);
+        row("wrong password", "1001", "PX", wrong, 64);
+        row("left", "1003", "pw", noPost, 0);
+        row("posts ended", "1004", "pw", noPost, 0);
+        row("super-user password untrimmed", "qd", " qorvelantism7315", wrong, 64);
     }
     void refusals() {
         QFETCH(QString, user);
@@ -198,15 +192,9 @@ class LoginTest final : public QObject {
         QCOMPARE(signIn.mainScreens, 0);
         QCOMPARE(signIn.boxes.messages.size(), 2);
         QVERIFY(signIn.form.isVisible());
-        QVERIFY(signIn.form.Label1->text().startsWith("V"));
-        QVERIFY(signIn.form.Label1->text().endsWith("版"));
 
-        try {
-            commandLineFields("1,2,3,4,5,6,7,8,9");
-            QFAIL("nine fields accepted");
-        } catch (const runtime::RuntimeError& error) {
-            QCOMPARE(error.number(), runtime::err::SubscriptOutOfRange);
-        }
+        QCOMPARE(test::errorOf([] { commandLineFields("1,2,3,4,5,6,7,8,9"); }).number(),
+                 runtime::err::SubscriptOutOfRange);
     }
 };
 

@@ -3,6 +3,7 @@
 #include <QTest>
 
 #include "widgets/flex_grid.h"
+#include "widgets/text_box.h"
 
 namespace qivo::test {
 
@@ -12,6 +13,22 @@ QList<qint32> rowKeys(const widgets::FlexGrid& grid) {
         keys << grid.RowData(row);
     }
     return keys;
+}
+
+QStringList gridLine(const widgets::FlexGrid& grid, int row) {
+    QStringList cells;
+    for (int col = 0; col < grid.Cols(); ++col) {
+        cells << grid.TextMatrix(row, col);
+    }
+    return cells;
+}
+
+QStringList texts(std::span<widgets::TextBox* const> boxes) {
+    QStringList result;
+    for (const widgets::TextBox* box : boxes) {
+        result << box->text();
+    }
+    return result;
 }
 
 void clickCell(widgets::FlexGrid& grid, int row, int col) {

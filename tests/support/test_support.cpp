@@ -116,4 +116,13 @@ QVariant FixtureDb::scalar(const QString& sql) {
     return rs.field(0);
 }
 
+runtime::RuntimeError errorOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const runtime::RuntimeError& error) {
+        return error;
+    }
+    return {0, {}};
+}
+
 }  // namespace qivo::test

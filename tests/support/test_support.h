@@ -6,7 +6,9 @@
 #include <QTest>
 #include <QVariant>
 #include <deque>
+#include <functional>
 
+#include "runtime/runtime_error.h"
 #include "widgets/error_path.h"
 #include "widgets/msgbox.h"
 
@@ -67,6 +69,9 @@ class SettingsSandbox {
 // unloading its libraries: under Wine, after FreeTDS served a connection, the C++ runtime's unload
 // waits forever.
 int finish(int status);
+
+// The run-time error an action ends in; number 0 when it ends without one.
+runtime::RuntimeError errorOf(const std::function<void()>& action);
 
 }  // namespace qivo::test
 
