@@ -10,11 +10,23 @@ PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unix
               tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
+# The Windows build: mingw-w64 against a Windows SDK (Qt and SQLite built from Debian's sources),
+# tests under Wine, an NSIS installer.
+WIN_BUILD    ?= build-windows
+WIN_PACKAGES := g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine nsis zip cmake ninja-build \
+                qt6-base-dev-tools tdsodbc unixodbc librsvg2-bin \
+                fonts-noto-cjk
+WIN_SDK_TAR  := ../shared/windows/qivo-windows-sdk.tar.xz
+WIN_SDK_HOME := build-windows-sdk
+WIN_SDK       = $${QIVO_WINDOWS_SDK:-$(CURDIR)/$(WIN_SDK_HOME)/qivo-windows-sdk}
+WIN_PREFIX    = $(CURDIR)/$(WIN_BUILD)/wine-prefix
 
-.PHONY: deps build run test bench screenshots check-sanitize package check-package clean
+.PHONY: deps build run test bench screenshots check-sanitize package check-package clean \
+        windows-deps windows-sdk windows-build windows windows-test
 
-deps:
-	@missing=""; for p in $(PACKAGES); do \
+# Installs the missing ones of the given Debian packages (as root), or says how to.
+define install_missing
+	@missing=""; for p in $(1); do \
 	  dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q 'ok installed' || missing="$$missing $$p"; \
 	done; \
 	if [ -z "$$missing" ]; then exit 0; fi; \
@@ -24,6 +36,10 @@ deps:
 	fi; \
 	echo "Installing:$$missing"; \
 	apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $$missing >/dev/null
+endef
+
+deps:
+	$(call install_missing,$(PACKAGES))
 
 build: deps
 	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
@@ -78,5 +94,43 @@ check-package: package
 	  env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM XDG_CONFIG_HOME="$$cfg" \
 	    /usr/bin/qivo-review --check
 
+windows-deps:
+	$(call install_missing,$(WIN_PACKAGES))
+
+# The SDK: $$QIVO_WINDOWS_SDK when set; else the shared prebuilt one, unpacked once its checksum
+# holds (again when the archive changes); else built here from Debian's source packages (slow).
+windows-sdk: windows-deps
+	@if [ -n "$$QIVO_WINDOWS_SDK" ]; then \
+	  [ -f "$$QIVO_WINDOWS_SDK/mingw64.cmake" ] || { echo "QIVO_WINDOWS_SDK=$$QIVO_WINDOWS_SDK holds no mingw64.cmake"; exit 1; }; \
+	elif [ -f $(WIN_SDK_TAR) ]; then \
+	  sum=$$(cat $(WIN_SDK_TAR).sha256); \
+	  if [ "$$sum" != "$$(cat $(WIN_SDK_HOME)/archive.sha256 2>/dev/null)" ]; then \
+	    (cd $(dir $(WIN_SDK_TAR)) && sha256sum --quiet -c $(notdir $(WIN_SDK_TAR)).sha256) || exit 1; \
+	    rm -rf $(WIN_SDK_HOME) && mkdir -p $(WIN_SDK_HOME) && tar -C $(WIN_SDK_HOME) -xJf $(WIN_SDK_TAR) && \
+	    echo "$$sum" > $(WIN_SDK_HOME)/archive.sha256; \
+	  fi; \
+	elif [ ! -f $(WIN_SDK_HOME)/qivo-windows-sdk/mingw64.cmake ]; then \
+	  packaging/windows/build-sdk.sh $(WIN_SDK_HOME)/qivo-windows-sdk; \
+	fi
+
+windows-build: windows-sdk
+	@cmake -S . -B $(WIN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release \
+	  -DCMAKE_TOOLCHAIN_FILE="$(WIN_SDK)/mingw64.cmake" -DCMAKE_PREFIX_PATH="$(WIN_SDK)/qt;$(WIN_SDK)/sqlite" \
+	  -DQIVO_WINDOWS_SDK="$(WIN_SDK)" -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake >/dev/null
+	@cmake --build $(WIN_BUILD) -j $(JOBS) | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
+
+# build-windows/qivo-review-<version>-win64-setup.exe and -win64.zip.
+windows: windows-build
+	@cmake --build $(WIN_BUILD) --target windows-package | $(QUIET_STEPS); exit $${PIPESTATUS[0]}
+
+# Every suite under Wine in the build's own prefix. Wine's own services are started first, by a
+# server that stays up for the run: started by a suite, they would hold its output open and ctest
+# would wait for them.
+windows-test: windows-build
+	@export WINEPREFIX="$(WIN_PREFIX)" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" && \
+	  mkdir -p "$$WINEPREFIX" && { wineserver -k >/dev/null 2>&1; wineserver -p >/dev/null 2>&1; } && \
+	  trap 'wineserver -k >/dev/null 2>&1' EXIT && env -u DISPLAY wineboot -i >/dev/null 2>&1 && \
+	  cd $(WIN_BUILD) && ctest --output-on-failure -j $(JOBS)
+
 clean:
-	rm -rf $(BUILD) $(BUILD)-sanitize
+	rm -rf $(BUILD) $(BUILD)-sanitize $(WIN_BUILD)

@@ -116,8 +116,9 @@ class TestAppOwner final : public QObject {
         process.start(program, options);
         QVERIFY(process.waitForFinished(10000));
         QCOMPARE(process.exitCode(), status);
-        const QString shown = QString::fromUtf8(process.readAllStandardOutput());
-        const QString refused = QString::fromUtf8(process.readAllStandardError());
+        // Line ends as the system writes them (CR LF on Windows).
+        const QString shown = QString::fromUtf8(process.readAllStandardOutput()).remove(u'\r');
+        const QString refused = QString::fromUtf8(process.readAllStandardError()).remove(u'\r');
         QVERIFY2(out.isEmpty() ? shown.isEmpty() : shown.contains(out), qPrintable(shown));
         QVERIFY2(err.isEmpty() ? refused.isEmpty() : refused.contains(err), qPrintable(refused));
         QCOMPARE((shown + refused).contains(runtime::settingsLocation("Merivane", "DBConfig")),

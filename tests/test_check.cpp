@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -19,8 +20,7 @@ class CheckTest final : public QObject {
     // A fresh demo database, checked by the program itself with no display and no sign-in.
     void demoDatabasePassesWithoutDisplay() {
         QTemporaryDir dir;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("XDG_CONFIG_HOME", dir.path());
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();  // this suite's store
         env.remove("QT_QPA_PLATFORM");
         env.remove("DISPLAY");
         QProcess demo;
@@ -37,33 +37,47 @@ class CheckTest final : public QObject {
         QCOMPARE(check.exitCode(), 0);
         QCOMPARE(report.count("✓ "), 14);  // connection, 12 tables, summary
         QVERIFY(!report.contains("✗"));
-        QVERIFY(report.contains(dir.filePath("Merivane/Merivane.ini")));
+        QVERIFY(report.contains(runtime::settingsLocation("Merivane", "DBConfig")));
     }
 
     void faultsAreNamed_data() {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("server");
+        QTest::addColumn<QString>("driver");
         QTest::addColumn<int>("status");
         QTest::addColumn<QStringList>("named");
         QTest::newRow("column dropped, table renamed")
             << "alter table 业主表 drop column 短信; alter table 室表 rename to 房间表"
+            << ""
             << "" << int(check::SomethingMissing)
             << QStringList{"✗ 业主表：缺少 业主表.短信", "✗ 室表：表无法读取", "✓ 业户互联网",
                            "缺少 2 处：室表、业主表.短信"};
         QTest::newRow("orphan owner registration")
             << "insert into 业户互联网 (ZH_ID, 属性) values (99, '业主')"
+            << ""
             << "" << int(check::AllPresent)
             << QStringList{"警告：1 条业主登记", "✓ 程序使用的每张表和每一列都在"};
-        QTest::newRow("unreachable server")
+        // The server as each driver is given it.
+        QTest::newRow("unreachable server, FreeTDS")
             << ""
-            << "127.0.0.1,1" << int(check::NoConnection)
+            << "127.0.0.1,1"
+            << "FreeTDS" << int(check::NoConnection)
             << QStringList{"SERVER=127.0.0.1;Port=1;", "连接       ✗ ["};
+        QTest::newRow("unreachable server, Microsoft driver")
+            << ""
+            << "127.0.0.1,1"
+            << "ODBC Driver 17 for SQL Server" << int(check::NoConnection)
+            << QStringList{"{ODBC Driver 17 for SQL Server};SERVER=127.0.0.1,1;", "连接       ✗ ["};
     }
     void faultsAreNamed() {
         QFETCH(QString, damage);
         QFETCH(QString, server);
+        QFETCH(QString, driver);
         QFETCH(int, status);
         QFETCH(QStringList, named);
+        const QByteArray chosen = qgetenv("QIVO_ODBC_DRIVER");
+        const auto restore = qScopeGuard([&] { qputenv("QIVO_ODBC_DRIVER", chosen); });
+        qputenv("QIVO_ODBC_DRIVER", driver.toUtf8());
         test::FixtureDb db;
         if (!damage.isEmpty()) {
             db.exec(damage);

@@ -230,8 +230,10 @@ class OdbcRecordsTest final : public QObject {
             "ODBC Driver 18 for SQL Server",
             "DRIVER={ODBC Driver 18 for SQL Server};SERVER=dbserver\\SQLEXPRESS;"
             "DATABASE=物业数据库;UID=qivo;PWD={p;w=x\"y'}}};TrustServerCertificate=yes;");
-        row("outer blanks kept", "dbserver", "  a b  ", "SQL Server",
-            "DRIVER={SQL Server};SERVER=dbserver;DATABASE=物业数据库;UID=qivo;PWD={  a b  };");
+        row("outer blanks kept, instance and port as written", "10.0.0.5\\INST,1500", "  a b  ",
+            "SQL Server",
+            "DRIVER={SQL Server};SERVER=10.0.0.5\\INST,1500;DATABASE=物业数据库;UID=qivo;"
+            "PWD={  a b  };");
     }
     void connectionStringsReachTheDriver() {
         QFETCH(QString, server);
@@ -245,6 +247,23 @@ class OdbcRecordsTest final : public QObject {
                             server + "'";
         QCOMPARE(database::odbcConnectionString(database::parseConnectionString(ado), driver),
                  expected);
+    }
+
+    // The best SQL Server driver installed, whatever else the driver manager lists.
+    void driverChosenFromThoseInstalled() {
+        const QString msodbc17 = "ODBC Driver 17 for SQL Server";
+        const QString msodbc18 = "ODBC Driver 18 for SQL Server";
+        QCOMPARE(database::chooseOdbcDriver({"FreeTDS", "SQL Server", msodbc17, msodbc18}),
+                 msodbc18);
+        QCOMPARE(database::chooseOdbcDriver({"FreeTDS", "SQL Server", msodbc17}), msodbc17);
+        QCOMPARE(database::chooseOdbcDriver({"Microsoft Access Driver (*.mdb)", "SQL Server"}),
+                 QString("SQL Server"));
+        QCOMPARE(database::chooseOdbcDriver({"PostgreSQL Unicode", "FreeTDS"}), QString("FreeTDS"));
+#ifdef Q_OS_WIN
+        QCOMPARE(database::chooseOdbcDriver({}), QString("SQL Server"));
+#else
+        QCOMPARE(database::chooseOdbcDriver({}), QString("FreeTDS"));
+#endif
     }
 };
 

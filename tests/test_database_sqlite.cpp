@@ -158,6 +158,14 @@ class EngineTest final : public QObject {
                  QStringList({"ab", "X1", "x2", "y"}));
         QCOMPARE(column("select len('李四  ') as n", "n") + column("select Len(null) as m", "m"),
                  QStringList({"2", ""}));
+        // The same order on every system: digits, Chinese by pinyin (〇 is líng), then Latin
+        // with case and width ignored and an accented letter after the plain one.
+        db.exec(
+            "delete from 员工档案; insert into 员工档案 (工号, 姓名) values ('1', 'Ｗu'),"
+            " ('2', 'Lü'), ('3', 'lǚ'), ('4', 'lu'), ('5', '吕布'), ('6', '〇号'), ('7', '10号'),"
+            " ('8', '2号'), ('9', '李四')");
+        QCOMPARE(column("select 姓名 from 员工档案 order by 姓名", "姓名"),
+                 QStringList({"10号", "2号", "李四", "〇号", "吕布", "lu", "lǚ", "Lü", "Ｗu"}));
     }
 
     void datesAcceptedAndRefused() {

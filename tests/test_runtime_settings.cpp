@@ -1,4 +1,5 @@
-// The connection settings as an administrator writes them by hand.
+// The connection settings as the estate system's other programs write them into the registry,
+// or elsewhere as an administrator writes them by hand.
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -6,12 +7,78 @@
 #include "runtime/settings.h"
 #include "support/test_support.h"
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 using namespace qivo;
 
 namespace {
 
 const QString kApp = QStringLiteral("Merivane");
 const QString kSection = QStringLiteral("DBConfig");
+
+#ifdef Q_OS_WIN
+
+const wchar_t* wide(const QString& text) {
+    return reinterpret_cast<const wchar_t*>(text.utf16());
+}
+
+// The suite's own key, as runtime::settingsLocation names it, under HKEY_CURRENT_USER.
+QString subKey(const QString& section) {
+    return runtime::settingsLocation(kApp, section).section(u'\\', 1);
+}
+
+// A value as another program writes it, and reads it back, through the registry API alone.
+void writeRaw(const QString& section, const QString& key, const QString& value) {
+    QCOMPARE(RegSetKeyValueW(HKEY_CURRENT_USER, wide(subKey(section)), wide(key), REG_SZ,
+                             wide(value), DWORD((value.size() + 1) * sizeof(wchar_t))),
+             ERROR_SUCCESS);
+}
+QString readRaw(const QString& key) {
+    wchar_t buffer[256];
+    DWORD bytes = sizeof buffer;
+    return RegGetValueW(HKEY_CURRENT_USER, wide(subKey(kSection)), wide(key), RRF_RT_REG_SZ,
+                        nullptr, buffer, &bytes) == ERROR_SUCCESS
+               ? QString::fromWCharArray(buffer)
+               : QString();
+}
+
+}  // namespace
+
+class SettingsTest final : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    // Values come back exactly as written, however they look; key names in any case; the store
+    // is the key the estate system writes, here under the suite's own root.
+    void registryValuesReadAndWrittenExactly_data() {
+        QTest::addColumn<QString>("value");
+        for (const char* value : {"dbserver,1433", "dbserver\\SQLEXPRESS", "10.0.0.5\\INST,1500",
+                                  "p;w=x\"y'", "  a b  ", "@@p", "@Invalid()", "物业数据库", ""}) {
+            QTest::newRow(value) << QString::fromUtf8(value);
+        }
+    }
+    void registryValuesReadAndWrittenExactly() {
+        QFETCH(QString, value);
+        writeRaw(kSection, "PWD", value);
+        QCOMPARE(runtime::GetSetting(kApp, kSection, "pwd"), value);
+        runtime::SaveSetting(kApp, kSection, "Svr", value);
+        QCOMPARE(readRaw("Svr"), value);
+        QVERIFY(runtime::settingsLocation(kApp, kSection)
+                    .startsWith("HKEY_CURRENT_USER\\Software\\Qivo tests\\"));
+        QVERIFY(runtime::settingsLocation(kApp, kSection).endsWith("\\Merivane\\DBConfig"));
+    }
+
+    void missingKeysReadEmpty() {
+        writeRaw("Other", "UID", "sa");
+        QCOMPARE(runtime::GetSetting(kApp, kSection, "UID"), QString());
+        QCOMPARE(runtime::GetSetting(kApp, "Absent", "Svr"), QString());
+        QCOMPARE(runtime::GetSetting(kApp, "Other", "UID"), QString("sa"));
+    }
+};
+
+#else
 
 // Points the settings store at a fresh directory for the life of the object.
 class SettingsHome {
@@ -93,6 +160,8 @@ class SettingsTest final : public QObject {
         QCOMPARE(runtime::GetSetting(kApp, kSection, "PWD"), QString("p;w"));
     }
 };
+
+#endif
 
 QIVO_TEST_MAIN(SettingsTest)
 #include "test_runtime_settings.moc"

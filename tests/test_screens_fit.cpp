@@ -1,3 +1,4 @@
+#include <QFileInfo>
 #include <QProcess>
 #include <QScreen>
 
@@ -81,9 +82,12 @@ class TestScreensFit final : public QObject {
                 QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
                 env.insert(QStringLiteral("QIVO_FIT_CHILD"), QStringLiteral("1"));
                 env.insert(QStringLiteral("QT_SCALE_FACTOR"), scale);
+                // Named from the child's folder: Qt splits the platform's options at every ':',
+                // a Windows drive letter's too.
                 env.insert(QStringLiteral("QT_QPA_PLATFORM"),
-                           "offscreen:configfile=" + config.fileName());
+                           "offscreen:configfile=" + QFileInfo(config.fileName()).fileName());
                 child.setProcessEnvironment(env);
+                child.setWorkingDirectory(dir.path());
                 child.start(QCoreApplication::applicationFilePath(), {});
                 QVERIFY(child.waitForFinished(120000));
                 QVERIFY2(child.exitCode() == 0,

@@ -4,6 +4,10 @@
 #include <cstdio>
 #include <cstring>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 #include "accounts/register_opener.h"
 #include "app/owner_launch.h"
 #include "app/program_options.h"
@@ -26,6 +30,17 @@ bool hasDisplay() {
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 #else
     return true;
+#endif
+}
+
+// Started from the Start menu, the program got a console window of its own, which the screens do
+// not need; one shared with a command prompt stays. Redirected output is not a console and stays.
+void releaseOwnConsole() {
+#ifdef Q_OS_WIN
+    DWORD processes[2];
+    if (GetConsoleProcessList(processes, 2) == 1) {
+        FreeConsole();
+    }
 #endif
 }
 
@@ -52,6 +67,7 @@ int main(int argc, char** argv) {
             stderr);
         return 1;
     }
+    releaseOwnConsole();
     qivo::widgets::Application app(argc, argv);
     app.setFont(qivo::widgets::screenFont(app.font()));
 

@@ -1,7 +1,16 @@
 #include "database/odbc_connection_string.h"
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <iterator>
+#else
 #include <QDir>
 #include <QSettings>
+#endif
 
 namespace qivo::database {
 namespace {
@@ -44,10 +53,25 @@ ServerAndPort freeTdsServer(const QString& dataSource) {
 
 QStringList installedDrivers() {
 #ifdef Q_OS_WIN
-    QSettings registry(
-        QStringLiteral("HKEY_LOCAL_MACHINE\\SOFTWARE\\ODBC\\ODBCINST.INI\\ODBC Drivers"),
-        QSettings::NativeFormat);
-    return registry.childKeys();
+    QStringList drivers;
+    SQLHENV environment = SQL_NULL_HENV;
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment))) {
+        return drivers;
+    }
+    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3),
+                  0);
+    SQLWCHAR name[256];
+    SQLSMALLINT length = 0;
+    SQLSMALLINT attributesLength = 0;
+    for (SQLUSMALLINT direction = SQL_FETCH_FIRST;
+         SQL_SUCCEEDED(SQLDriversW(environment, direction, name, SQLSMALLINT(std::size(name)),
+                                   &length, nullptr, 0, &attributesLength));
+         direction = SQL_FETCH_NEXT) {
+        drivers << QString::fromWCharArray(reinterpret_cast<const wchar_t*>(name),
+                                           qMin<int>(length, int(std::size(name)) - 1));
+    }
+    SQLFreeHandle(SQL_HANDLE_ENV, environment);
+    return drivers;
 #else
     const QString dir = qEnvironmentVariable("ODBCSYSINI", QStringLiteral("/etc"));
     return QSettings(QDir(dir).filePath(QStringLiteral("odbcinst.ini")), QSettings::IniFormat)
@@ -57,10 +81,10 @@ QStringList installedDrivers() {
 
 QString odbcDriverName() {
     const QString fromEnvironment = qEnvironmentVariable("QIVO_ODBC_DRIVER");
-    if (!fromEnvironment.isEmpty()) {
-        return fromEnvironment;
-    }
-    const QStringList installed = installedDrivers();
+    return fromEnvironment.isEmpty() ? chooseOdbcDriver(installedDrivers()) : fromEnvironment;
+}
+
+QString chooseOdbcDriver(const QStringList& installed) {
     for (const char* preferred : {"ODBC Driver 18 for SQL Server", "ODBC Driver 17 for SQL Server",
                                   "SQL Server", "FreeTDS"}) {
         if (installed.contains(QLatin1String(preferred))) {

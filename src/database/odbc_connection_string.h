@@ -6,10 +6,16 @@
 
 namespace qivo::database {
 
-// The ODBC drivers registered on this machine (odbcinst.ini, or the registry on Windows).
+// The ODBC drivers registered on this machine: odbcinst.ini, or on Windows as the driver
+// manager lists them (SQLDrivers).
 QStringList installedDrivers();
 
-// The ODBC driver to use: $QIVO_ODBC_DRIVER, else the best installed SQL Server driver.
+// The best SQL Server driver of those installed: "ODBC Driver 18 for SQL Server", "ODBC Driver
+// 17 for SQL Server", "SQL Server", then "FreeTDS"; with none of them, the one the system
+// usually has ("SQL Server" on Windows, "FreeTDS" elsewhere).
+QString chooseOdbcDriver(const QStringList& installed);
+
+// The ODBC driver to use: $QIVO_ODBC_DRIVER, else chooseOdbcDriver(installedDrivers()).
 QString odbcDriverName();
 
 // The ODBC connection string for the parts of an ADO connection string. FreeTDS gets the

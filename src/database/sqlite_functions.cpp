@@ -2,53 +2,29 @@
 
 #include <sqlite3.h>
 
-#include <QCollator>
-#include <QLocale>
 #include <QString>
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string_view>
 
+#include "database/collation.h"
 #include "database/dates.h"
 #include "database/sqlite_engine.h"
 
 namespace qivo::database {
 namespace {
 
-const QCollator& pinyinCollator() {
-    static const QCollator collator = [] {
-        QCollator c(QLocale(QLocale::Chinese, QLocale::China));
-        c.setCaseSensitivity(Qt::CaseInsensitive);
-        return c;
-    }();
-    return collator;
-}
-
-// Weights that order single ASCII characters as the collator does (punctuation, digits,
-// letters; case folded), so the ASCII fast path agrees with the slow path.
-const std::array<int, 128>& asciiWeights() {
-    static const std::array<int, 128> weights = [] {
-        std::array<int, 128> w{};
-        std::array<char, 128> chars{};
-        for (int c = 0; c < 128; ++c) {
-            chars[c] = static_cast<char>(c);
+// Weights that order single ASCII characters as the collation does (punctuation, digits,
+// letters; case folded), so the ASCII fast path agrees with the slow path. Control characters
+// come first in code order and DEL last, as neither path's order has them.
+const std::array<std::uint32_t, 128>& asciiWeights() {
+    static const std::array<std::uint32_t, 128> weights = [] {
+        std::array<std::uint32_t, 128> w{};
+        for (char32_t c = 0; c < 128; ++c) {
+            w[c] = c < 32 ? c : 32 + (collationWeight(c) >> 8);
         }
-        const QCollator& collator = pinyinCollator();
-        std::stable_sort(chars.begin() + 32, chars.begin() + 127, [&](char x, char y) {
-            return collator.compare(QString(QLatin1Char(x)), QString(QLatin1Char(y))) < 0;
-        });
-        int rank = 0;
-        for (int i = 32; i < 127; ++i) {
-            if (i > 32 && collator.compare(QString(QLatin1Char(chars[i - 1])),
-                                           QString(QLatin1Char(chars[i]))) != 0) {
-                ++rank;
-            }
-            w[static_cast<unsigned char>(chars[i])] = rank + 32;
-        }
-        for (int c = 0; c < 32; ++c) {
-            w[c] = c;
-        }
-        w[127] = 127 + 128;
+        w[127] = UINT32_MAX;
         return w;
     }();
     return weights;
@@ -148,15 +124,15 @@ int compareText(const char* a, int lengthA, const char* b, int lengthB) {
         const auto& weights = asciiWeights();
         const int common = std::min(lengthA, lengthB);
         for (int i = 0; i < common; ++i) {
-            const int wa = weights[static_cast<unsigned char>(a[i])];
-            const int wb = weights[static_cast<unsigned char>(b[i])];
+            const std::uint32_t wa = weights[static_cast<unsigned char>(a[i])];
+            const std::uint32_t wb = weights[static_cast<unsigned char>(b[i])];
             if (wa != wb) {
                 return wa < wb ? -1 : 1;
             }
         }
         return lengthA == lengthB ? 0 : (lengthA < lengthB ? -1 : 1);
     }
-    return pinyinCollator().compare(QString::fromUtf8(a, lengthA), QString::fromUtf8(b, lengthB));
+    return compareCollated(a, lengthA, b, lengthB);
 }
 
 bool registerSqliteFunctions(sqlite3* handle) {

@@ -1,15 +1,14 @@
 #include "support/tds_results.h"
 
-#include <iconv.h>
 #include <sqlite3.h>
 
 #include <QDateTime>
 #include <QRegularExpression>
 #include <algorithm>
-#include <memory>
 
 #include "database/sqlite_engine.h"
 #include "support/tds_catalog.h"
+#include "support/tds_code_page.h"
 
 namespace qivo::test::tds {
 namespace {
@@ -21,21 +20,6 @@ constexpr quint8 kVarChar = 0xA7;
 constexpr quint8 kNVarChar = 0xE7;
 // Chinese_PRC_CI_AS: locale 0x0804 (code page 936), case-, kana- and width-insensitive.
 constexpr char kCollation[5] = {0x04, 0x08, char(0xD0), 0x00, 0x00};
-
-QByteArray toCodePage936(const QString& text) {
-    // One converter per thread: opening one per value would be most of the server's time.
-    thread_local const std::unique_ptr<void, int (*)(iconv_t)> converter(
-        iconv_open("CP936//TRANSLIT", "UTF-8"), iconv_close);
-    const QByteArray utf8 = text.toUtf8();
-    QByteArray out(utf8.size() * 2 + 4, Qt::Uninitialized);
-    char* in = const_cast<char*>(utf8.constData());
-    size_t inLeft = utf8.size();
-    char* target = out.data();
-    size_t outLeft = out.size();
-    iconv(converter.get(), &in, &inLeft, &target, &outLeft);
-    out.truncate(out.size() - qsizetype(outLeft));
-    return out;
-}
 
 struct Column {
     QString name;
@@ -215,8 +199,8 @@ void bind(sqlite3_stmt* statement, const Parameters& parameters) {
 
 // The server's error for what the embedded engine refused.
 void writeSqliteError(Writer& out, const QString& message) {
-    static const QRegularExpression near(R"re(near "([^"]*)": syntax error)re");
-    if (const auto match = near.match(message); match.hasMatch()) {
+    static const QRegularExpression nearToken(R"re(near "([^"]*)": syntax error)re");
+    if (const auto match = nearToken.match(message); match.hasMatch()) {
         writeError(out, 102, QStringLiteral("Incorrect syntax near '%1'.").arg(match.captured(1)));
     } else if (message.startsWith("no such table: ")) {
         writeError(out, 208, QStringLiteral("Invalid object name '%1'.").arg(message.mid(15)));

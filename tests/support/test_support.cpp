@@ -1,6 +1,12 @@
 #include "support/test_support.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <cstdio>
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 #include "database/ado.h"
 #include "db/schema.h"
@@ -45,6 +51,44 @@ EndRecorder::~EndRecorder() {
     runtime::setEndHandler({});
 }
 
+#ifdef Q_OS_WIN
+
+namespace {
+
+QString sandboxKey(const QString& home) {
+    return QStringLiteral("Software\\Qivo tests\\") + QFileInfo(home).fileName();
+}
+
+}  // namespace
+
+SettingsSandbox::SettingsSandbox() {
+    qputenv("QIVO_SETTINGS_KEY", sandboxKey(home_.path()).toUtf8());
+}
+
+SettingsSandbox::~SettingsSandbox() {
+    const QString key = sandboxKey(home_.path());
+    RegDeleteTreeW(HKEY_CURRENT_USER, reinterpret_cast<const wchar_t*>(key.utf16()));
+    RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Qivo tests");  // once no suite uses it
+}
+
+#else
+
+SettingsSandbox::SettingsSandbox() {
+    qputenv("XDG_CONFIG_HOME", home_.path().toLocal8Bit());
+}
+
+SettingsSandbox::~SettingsSandbox() = default;
+
+#endif
+
+int finish(int status) {
+#ifdef Q_OS_WIN
+    std::fflush(nullptr);
+    TerminateProcess(GetCurrentProcess(), UINT(status));
+#endif
+    return status;
+}
+
 FixtureDb::FixtureDb() : path_(dir_.filePath("fixture.db")) {
     QFile(path_).open(QIODevice::WriteOnly);  // an empty file is an empty database
     runtime::SaveSetting("Merivane", "DBConfig", "Svr", dataSource());
@@ -53,6 +97,10 @@ FixtureDb::FixtureDb() : path_(dir_.filePath("fixture.db")) {
         qFatal("fixture database could not be opened");
     }
     db::createEmbeddedSchema(*Connection::Cn);
+}
+
+FixtureDb::~FixtureDb() {
+    Connection::Cn.reset();
 }
 
 void FixtureDb::exec(const QString& sql) {

@@ -41,6 +41,7 @@ class EndRecorder {
 class FixtureDb {
   public:
     FixtureDb();
+    ~FixtureDb();  // closes the shared connection: Windows removes no file that is open
     QString path() const { return path_; }
     QString dataSource() const { return "sqlite:" + path_; }
     void exec(const QString& sql);        // one or more statements through the shared connection
@@ -52,6 +53,23 @@ class FixtureDb {
     QString path_;
 };
 
+// A settings store of the suite's own for its life: a temporary XDG_CONFIG_HOME, or on Windows
+// a registry key of its own (QIVO_SETTINGS_KEY), removed at the end. Programs the suite starts
+// inherit it.
+class SettingsSandbox {
+  public:
+    SettingsSandbox();
+    ~SettingsSandbox();
+
+  private:
+    QTemporaryDir home_;
+};
+
+// The suite's exit status, handed to the system. On Windows the process ends there without
+// unloading its libraries: under Wine, after FreeTDS served a connection, the C++ runtime's unload
+// waits forever.
+int finish(int status);
+
 // The run-time error an action ends in; number 0 when it ends without one.
 runtime::RuntimeError errorOf(const std::function<void()>& action);
 
@@ -59,12 +77,15 @@ runtime::RuntimeError errorOf(const std::function<void()>& action);
 
 // A test main with the program's own application object, so the common error path is in place,
 // and a settings store of its own, so suites running side by side never share a data source.
-#define QIVO_TEST_MAIN(TestClass)                                      \
-    int main(int argc, char** argv) {                                  \
-        QTemporaryDir settingsHome;                                    \
-        qputenv("XDG_CONFIG_HOME", settingsHome.path().toLocal8Bit()); \
-        qivo::widgets::Application app(argc, argv);                    \
-        TestClass test;                                                \
-        QTEST_SET_MAIN_SOURCE_PATH                                     \
-        return QTest::qExec(&test, argc, argv);                        \
+#define QIVO_TEST_MAIN(TestClass)                       \
+    int main(int argc, char** argv) {                   \
+        int status = 0;                                 \
+        {                                               \
+            qivo::test::SettingsSandbox settings;       \
+            qivo::widgets::Application app(argc, argv); \
+            TestClass test;                             \
+            QTEST_SET_MAIN_SOURCE_PATH                  \
+            status = QTest::qExec(&test, argc, argv);   \
+        }                                               \
+        return qivo::test::finish(status);              \
     }
