@@ -173,9 +173,10 @@ class TestReview final : public QObject {
         QVERIFY(focusIs(form->MSFlexGrid1));
         QCOMPARE(QStringList({form->Command3->toolTip(), form->Command1->toolTip(),
                               form->Command2->toolTip(), form->Command4->toolTip(),
-                              form->Command5->toolTip(), form->Command6->text()}),
+                              form->Command5->toolTip(), form->Command6->toolTip(),
+                              form->Command6->text()}),
                  QStringList({"Ctrl+Enter 审核同意", "Ctrl+Del 审核不同意", "Esc 关闭", "F5 刷新",
-                              "Ctrl+W 退出", "已审核&Qivo账号"}));
+                              "Ctrl+W 退出", "Alt+Q 已审核Qivo账号", "已审核Qivo账号"}));
         key(Qt::Key_Escape);
         QVERIFY(!form->Picture1->isVisible());
         key(Qt::Key_Enter);

@@ -44,7 +44,7 @@ frmQivo账号审核::frmQivo账号审核(QWidget* parent) : AccountScreen(review
 }
 
 void frmQivo账号审核::buildButtons() {
-    Command6 = new QPushButton(QStringLiteral("已审核&Qivo账号"), this);
+    Command6 = new QPushButton(QStringLiteral("已审核Qivo账号"), this);
     widgets::setTwipsGeometry(Command6, {2700, 45, 1800, 375});
     Command4 = pictureButton(QStyle::SP_BrowserReload, QStringLiteral("刷新"), this);
     widgets::setTwipsGeometry(Command4, {12600, 45, 555, 375});
@@ -66,6 +66,8 @@ void frmQivo账号审核::buildButtons() {
     widgets::giveKeys(Command2, {Qt::Key_Escape});
     widgets::giveKeys(Command4, {Qt::Key_F5});
     widgets::giveKeys(Command5, {Qt::CTRL | Qt::Key_W});
+    // The caption is the screen's own text, so the key is not marked in it.
+    widgets::giveKeys(Command6, {Qt::ALT | Qt::Key_Q});
 }
 
 void frmQivo账号审核::connectEvents() {
