@@ -102,16 +102,15 @@ QSqlDatabase AdoConnection::database() {
 
 qint64 AdoConnection::Execute(const QString& sql, ExecuteOption option) {
     const QStringList statements = engine().statements(sql);
-    qint64 changed = 0;
     try {
         QSqlDatabase db = database();
-        engine_->run(
-            [&] { changed = engine_->execute(db, statements, option == adEveryStatementChanges); });
+        return watched<qint64>(*engine_, [&] {
+            return engine_->execute(db, statements, option == adEveryStatementChanges);
+        });
     } catch (const runtime::RuntimeError& error) {
         recoverAfterWrite(error);
         throw;
     }
-    return changed;
 }
 
 // After a failed command the connection must be back in autocommit with no transaction open,
