@@ -8,6 +8,7 @@
 
 #include "database/engine.h"
 #include "database/row_cursor.h"
+#include "database/statement_wait.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {
@@ -138,13 +139,18 @@ bool AdoConnection::recover() {
     return standing == Engine::Standing::Lost;
 }
 
-// A write is never sent again: it may have taken effect before the connection went.
+// A write is never sent again: it may have taken effect before the connection went. One the
+// user cancelled was rolled back before the cancel was answered, so nothing of it was kept.
 void AdoConnection::recoverAfterWrite(const runtime::RuntimeError& error) {
     if (recover()) {
         throw ConnectionLost(error.number(),
                              QStringLiteral("与数据库的连接中断，已重新连接。刚才的更改是否已经保存"
                                             "无法确定，请核对后再操作。（") +
                                  error.description() + u'）');
+    }
+    if (error.number() == kCancelledError) {
+        throw runtime::RuntimeError(kCancelledError,
+                                    QStringLiteral("操作已被用户取消，刚才的更改没有保存。"));
     }
 }
 
@@ -342,26 +348,30 @@ void Recordset::save() {
             values << (dates_[i] ? engine.dateValue(values_[i]) : values_[i]);
         }
     }
-    const QString keyColumn =
-        watched<QString>(engine, [&] { return engine.identityColumn(db, table_); });
-    if (adding_) {
-        const QVariant key = watched<QVariant>(
-            engine, [&] { return engine.insertRow(db, table_, columns, values); });
-        adding_ = false;
-        readBack(keyColumn, key);
-        return;
-    }
-    const QVariant key = values_[fieldIndex(keyColumn)];
-    if (!columns.isEmpty()) {
-        engine.run([&] { engine.updateRow(db, table_, columns, values, keyColumn, key); });
-    }
-    readBack(keyColumn, key);
+    // The write and the read-back of what it stored (a new row's key above all) are one unit:
+    // a cancel undoes both, so the screen never misses a row the database keeps.
+    engine.run([&] {
+        engine.inTransaction(db, [&] {
+            const QString keyColumn = engine.identityColumn(db, table_);
+            QVariant key;
+            if (adding_) {
+                key = engine.insertRow(db, table_, columns, values);
+            } else {
+                key = values_[fieldIndex(keyColumn)];
+                if (!columns.isEmpty()) {
+                    engine.updateRow(db, table_, columns, values, keyColumn, key);
+                }
+            }
+            readBack(engine, db, keyColumn, key);
+            return true;
+        });
+    });
+    adding_ = false;
 }
 
 // After a write the record shows what the database stored (converted dates, the new key).
-void Recordset::readBack(const QString& keyColumn, const QVariant& key) {
-    const Engine& engine = connection_->engine();
-    QSqlDatabase db = connection_->database();
+void Recordset::readBack(const Engine& engine, QSqlDatabase& db, const QString& keyColumn,
+                         const QVariant& key) {
     QStringList columns;
     for (const QString& name : names_) {
         columns << engine.quoteName(name);
@@ -370,7 +380,7 @@ void Recordset::readBack(const QString& keyColumn, const QVariant& key) {
     const QString sql = QStringLiteral("select %1 from %2 where %3 = %4")
                             .arg(columns.join(u','), engine.quoteName(table_),
                                  engine.quoteName(keyColumn), QString::number(key.toLongLong()));
-    cursor_ = watched<std::unique_ptr<RowCursor>>(engine, [&] { return engine.select(db, sql); });
+    cursor_ = engine.select(db, sql);
     dirty_.assign(names_.size(), false);
     fetchNext();
 }

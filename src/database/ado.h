@@ -110,7 +110,10 @@ class Recordset final {
     void fetchNext();
     void requireRecord() const;
     void save();
-    void readBack(const QString& keyColumn, const QVariant& key);
+    // Runs inside the save's own work, which may be on a worker thread: it touches only what
+    // it is given.
+    void readBack(const Engine& engine, QSqlDatabase& db, const QString& keyColumn,
+                  const QVariant& key);
 
     AdoConnection* connection_ = nullptr;
     std::unique_ptr<RowCursor> cursor_;

@@ -80,6 +80,21 @@ QString Engine::updateStatement(const QString& table, const QStringList& columns
         .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn));
 }
 
+qint64 Engine::execute(QSqlDatabase& db, const QStringList& statements, bool eachMustChange) const {
+    qint64 changed = 0;
+    const bool kept = inTransaction(db, [&] {
+        for (const QString& statement : statements) {
+            const qint64 rows = executeStatement(db, statement);
+            if (eachMustChange && rows == 0) {
+                return false;
+            }
+            changed += rows;
+        }
+        return true;
+    });
+    return kept ? changed : 0;
+}
+
 void throwSqlError(const QSqlError& error) {
     const QString description =
         error.databaseText().isEmpty() ? error.driverText() : error.databaseText();

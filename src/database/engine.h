@@ -43,11 +43,19 @@ class Engine {
                            const QVariantList& values, const QString& keyColumn,
                            const QVariant& key) const = 0;
 
-    // Runs a command's statements in order; more than one run as one transaction. Returns the
-    // rows they changed together. With eachMustChange a statement that changes no row undoes
-    // the transaction, and the answer is 0.
-    virtual qint64 execute(QSqlDatabase& db, const QStringList& statements,
-                           bool eachMustChange = false) const = 0;
+    // Runs a command's statements in order, as one transaction. Returns the rows they changed
+    // together. With eachMustChange a statement that changes no row undoes the transaction, and
+    // the answer is 0.
+    qint64 execute(QSqlDatabase& db, const QStringList& statements,
+                   bool eachMustChange = false) const;
+
+    // Runs work as one transaction: kept when it returns true, undone when it returns false or
+    // throws. A cancel of the statement wait can only undo it: once the user has cancelled,
+    // nothing is committed, so a cancelled write is never a stored one.
+    virtual bool inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const = 0;
+
+    // Runs one statement and returns the rows it changed.
+    virtual qint64 executeStatement(QSqlDatabase& db, const QString& statement) const = 0;
 
     // The value to send for text typed into a date column.
     virtual QVariant dateValue(const QVariant& typed) const { return typed; }

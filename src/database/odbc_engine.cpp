@@ -48,15 +48,15 @@ std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& s
     return std::make_unique<OdbcCursor>(statement.readAll());
 }
 
-qint64 OdbcEngine::execute(QSqlDatabase& db, const QStringList& statements,
-                           bool eachMustChange) const {
-    if (statements.size() == 1) {
-        OdbcStatement statement(connectionHandle(db));
-        statement.execute(statements.front());
-        statement.readAll();
-        return statement.rowsChanged();
-    }
-    return runInTransaction(connectionHandle(db), statements, eachMustChange);
+qint64 OdbcEngine::executeStatement(QSqlDatabase& db, const QString& sql) const {
+    OdbcStatement statement(connectionHandle(db));
+    statement.execute(sql);
+    statement.readAll();
+    return statement.rowsChanged();
+}
+
+bool OdbcEngine::inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const {
+    return database::inTransaction(connectionHandle(db), work);
 }
 
 // A connection that cannot answer how many transactions it holds is as good as lost.

@@ -340,41 +340,53 @@ QString OdbcStatement::readText(int column, bool& isNull) {
     }
 }
 
-qint64 runInTransaction(void* connection, const QStringList& statements, bool eachMustChange) {
-    auto setAutocommit = [connection](SQLULEN mode) {
-        if (!SQL_SUCCEEDED(SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                                              reinterpret_cast<SQLPOINTER>(mode),
-                                              SQL_IS_UINTEGER))) {
-            throwOdbcError(SQL_HANDLE_DBC, connection);
-        }
-    };
-    auto undo = [connection] {
-        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
-        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
-    };
-    setAutocommit(SQL_AUTOCOMMIT_OFF);
-    qint64 changed = 0;
+namespace {
+
+bool autocommitOn(void* connection) {
+    SQLULEN mode = SQL_AUTOCOMMIT_OFF;
+    SQLGetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT, &mode, sizeof mode, nullptr);
+    return mode == SQL_AUTOCOMMIT_ON;
+}
+
+void setAutocommit(void* connection, SQLULEN mode) {
+    if (!SQL_SUCCEEDED(SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                                          reinterpret_cast<SQLPOINTER>(mode), SQL_IS_UINTEGER))) {
+        throwOdbcError(SQL_HANDLE_DBC, connection);
+    }
+}
+
+void undo(void* connection) {
+    SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+    SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                       reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+}
+
+}  // namespace
+
+bool inTransaction(void* connection, const std::function<bool()>& work) {
+    if (!autocommitOn(connection)) {
+        return work();
+    }
+    setAutocommit(connection, SQL_AUTOCOMMIT_OFF);
+    bool keep = false;
     try {
-        for (const QString& statement : statements) {
-            OdbcStatement step(connection);
-            step.execute(statement);
-            step.readAll();
-            if (eachMustChange && step.rowsChanged() == 0) {
-                undo();
-                return 0;
+        keep = work();
+        if (keep) {
+            commitStarting();
+            if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection, SQL_COMMIT))) {
+                throwOdbcError(SQL_HANDLE_DBC, connection);
             }
-            changed += step.rowsChanged();
-        }
-        if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection, SQL_COMMIT))) {
-            throwOdbcError(SQL_HANDLE_DBC, connection);
         }
     } catch (...) {
-        undo();
+        undo(connection);
         throw;
     }
-    setAutocommit(SQL_AUTOCOMMIT_ON);
-    return changed;
+    if (!keep) {
+        undo(connection);
+        return false;
+    }
+    setAutocommit(connection, SQL_AUTOCOMMIT_ON);
+    return true;
 }
 
 bool connectionDead(void* connection) {
@@ -385,17 +397,10 @@ bool connectionDead(void* connection) {
 }
 
 bool autocommitRestored(void* connection) {
-    auto autocommit = [connection] {
-        SQLULEN mode = SQL_AUTOCOMMIT_OFF;
-        SQLGetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT, &mode, sizeof mode, nullptr);
-        return mode == SQL_AUTOCOMMIT_ON;
-    };
-    if (!autocommit()) {
-        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
-        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
+    if (!autocommitOn(connection)) {
+        undo(connection);
     }
-    return autocommit();
+    return autocommitOn(connection);
 }
 
 qint64 openTransactions(void* connection) {

@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -65,10 +66,10 @@ class OdbcCursor final : public RowCursor {
     qsizetype row_ = -1;
 };
 
-// Runs statements in one transaction on an ODBC connection: all of them or none. Returns the
-// rows they changed; with eachMustChange, a statement that changes none rolls all back and the
-// answer is 0.
-qint64 runInTransaction(void* connection, const QStringList& statements, bool eachMustChange);
+// Runs work in one transaction on an ODBC connection: committed when it returns true, rolled back
+// when it returns false or throws, and never committed once the user cancelled. Inside a
+// transaction already open the work joins it, and the one who opened it commits or undoes it.
+bool inTransaction(void* connection, const std::function<bool()>& work);
 
 // Whether the driver knows the connection to the server is gone.
 bool connectionDead(void* connection);

@@ -104,4 +104,8 @@ void statementEnding(void* statement) {
     }
 }
 
+void commitStarting() {
+    statementStarting(nullptr);
+}
+
 }  // namespace qivo::database

@@ -14,5 +14,8 @@ void runOdbcWork(const std::function<void()>& work);
 // reaches the one running. A statement about to run after a cancel ends in the cancelled error.
 void statementStarting(void* statement);
 void statementEnding(void* statement);
+// Such work is about to commit what it wrote: after a cancel it ends in the cancelled error
+// instead, and a cancel from now on has nothing left to stop.
+void commitStarting();
 
 }  // namespace qivo::database

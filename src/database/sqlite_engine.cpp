@@ -22,6 +22,15 @@ QString truncationMessage() {
     return QStringLiteral("将截断字符串或二进制数据。");
 }
 
+namespace {
+
+sqlite3* handleOf(QSqlDatabase& db) {
+    const QVariant handle = db.driver()->handle();
+    return *static_cast<sqlite3* const*>(handle.constData());
+}
+
+}  // namespace
+
 // How long a statement waits for a lock another program holds on the file.
 constexpr int kBusyTimeoutMs = 5000;
 
@@ -49,9 +58,7 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
 }
 
 std::unique_ptr<RowCursor> SqliteEngine::select(QSqlDatabase& db, const QString& sql) const {
-    const QVariant handle = db.driver()->handle();
-    return std::make_unique<SqliteCursor>(*static_cast<sqlite3* const*>(handle.constData()), sql,
-                                          *watch_);
+    return std::make_unique<SqliteCursor>(handleOf(db), sql, *watch_);
 }
 
 void SqliteEngine::run(const std::function<void()>& work) const {
@@ -123,39 +130,39 @@ void execOrThrow(QSqlQuery& query, const QString& sql) {
 
 }  // namespace
 
-qint64 SqliteEngine::execute(QSqlDatabase& db, const QStringList& statements,
-                             bool eachMustChange) const {
+qint64 SqliteEngine::executeStatement(QSqlDatabase& db, const QString& statement) const {
     QSqlQuery query(db);
-    if (statements.size() == 1) {
-        execOrThrow(query, statements.front());
-        return query.numRowsAffected();
+    execOrThrow(query, statement);
+    return query.numRowsAffected();
+}
+
+bool SqliteEngine::inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const {
+    if (!sqlite3_get_autocommit(handleOf(db))) {
+        return work();
     }
     if (!db.transaction()) {
         throwSqlError(db.lastError());
     }
-    qint64 changed = 0;
+    bool keep = false;
     try {
-        for (const QString& statement : statements) {
-            execOrThrow(query, statement);
-            const int rows = query.numRowsAffected();
-            if (eachMustChange && rows == 0) {
-                query.finish();
-                db.rollback();
-                return 0;
-            }
-            changed += rows;
+        keep = work();
+        if (keep && watch_->cancelled()) {
+            throwCancelled();
         }
     } catch (...) {
-        query.finish();
         db.rollback();
         throw;
+    }
+    if (!keep) {
+        db.rollback();
+        return false;
     }
     if (!db.commit()) {
         const QSqlError error = db.lastError();
         db.rollback();
         throwSqlError(error);
     }
-    return changed;
+    return true;
 }
 
 // An absent file is a wrong setting or a lost database, never a new empty one; and SQLite would
@@ -169,8 +176,7 @@ void SqliteEngine::checkReachable() const {
 }
 
 Engine::Standing SqliteEngine::settle(QSqlDatabase& db) const {
-    const QVariant handle = db.driver()->handle();
-    sqlite3* sqlite = *static_cast<sqlite3* const*>(handle.constData());
+    sqlite3* sqlite = handleOf(db);
     if (!sqlite3_get_autocommit(sqlite)) {
         sqlite3_exec(sqlite, "rollback", nullptr, nullptr, nullptr);
     }

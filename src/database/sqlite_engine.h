@@ -20,8 +20,8 @@ class SqliteEngine final : public Engine {
     void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                    const QVariantList& values, const QString& keyColumn,
                    const QVariant& key) const override;
-    qint64 execute(QSqlDatabase& db, const QStringList& statements,
-                   bool eachMustChange) const override;
+    bool inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const override;
+    qint64 executeStatement(QSqlDatabase& db, const QString& statement) const override;
     Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     void checkReachable() const override;

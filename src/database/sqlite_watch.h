@@ -38,6 +38,9 @@ class SqliteWatch final {
         }
     }
 
+    // Whether the user has cancelled the work running now.
+    bool cancelled() const { return cancelled_; }
+
   private:
     struct Finish {
         SqliteWatch& watch;

@@ -103,6 +103,7 @@ std::optional<QVariant> readParameter(Reader& in) {
 struct Hold {
     QByteArray text;  // as the request carries it, UTF-16
     int ms = 0;
+    bool cancelReadLate = false;
 };
 
 // What the server's sessions share with the test that runs it.
@@ -170,6 +171,7 @@ class Session {
                 holdBack(type);
             } else if (last) {
                 if (type == kPacketAttention) {
+                    answerHeldLate();
                     ++held_;
                 }
                 QElapsedTimer timer;
@@ -194,12 +196,28 @@ class Session {
             QMutexLocker lock(&shared_.mutex);
             ms = hold_.ms;
         }
+        pending_ = {type, message_};
         QTimer::singleShot(ms, socket_, [this, type, request = message_, id = ++held_] {
             if (id == held_) {
+                pending_.reset();
                 answer(type, request);
             }
         });
         message_.clear();
+    }
+
+    // A server that reads the cancel only once the held statement could run: it runs and
+    // answers it, and acknowledges the cancel after that.
+    void answerHeldLate() {
+        bool late = false;
+        {
+            QMutexLocker lock(&shared_.mutex);
+            late = hold_.cancelReadLate;
+        }
+        if (pending_ && late) {
+            answer(pending_->first, pending_->second);
+        }
+        pending_.reset();
     }
 
     void answer(quint8 type, const QByteArray& request) {
@@ -461,6 +479,7 @@ class Session {
     bool dropping_ = false;
     const Hold& hold_;
     quint64 held_ = 0;  // the hold now waiting; an attention moves it on
+    std::optional<std::pair<quint8, QByteArray>> pending_;  // the request held now
     sqlite3* db_ = nullptr;
     QByteArray input_;
     QByteArray message_;
@@ -527,10 +546,11 @@ void TdsServer::failNext(Fault fault, const QString& fragment) {
     state_->shared.fault = std::pair(fault, fragment);
 }
 
-void TdsServer::holdStatements(const QString& containing, int ms) {
+void TdsServer::holdStatements(const QString& containing, int ms, bool cancelReadLate) {
     QMutexLocker lock(&state_->shared.mutex);
     state_->shared.hold = {
-        QByteArray(reinterpret_cast<const char*>(containing.utf16()), containing.size() * 2), ms};
+        QByteArray(reinterpret_cast<const char*>(containing.utf16()), containing.size() * 2), ms,
+        cancelReadLate};
 }
 
 qint64 TdsServer::busyNanoseconds() const {

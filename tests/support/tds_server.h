@@ -29,8 +29,9 @@ class TdsServer final {
     void setRollbackKeepsWrites(bool keeps);
     // From now on a request whose text contains `containing` is answered only after ms
     // milliseconds, as a statement another session's lock holds; an attention (the client's
-    // cancel) coming first drops it unanswered and unrun. Empty text holds nothing.
-    void holdStatements(const QString& containing, int ms);
+    // cancel) coming first drops it unanswered and unrun, or, where the server reads the cancel
+    // late, runs and answers it before acknowledging the cancel. Empty text holds nothing.
+    void holdStatements(const QString& containing, int ms, bool cancelReadLate = false);
     // Logins must give this password (while it is empty any is taken); another is refused as
     // SQL Server refuses it (18456).
     void setLoginPassword(const QString& password);
