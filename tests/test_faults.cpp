@@ -205,8 +205,9 @@ class TestFaults final : public QObject {
         owner.Text2[0]->setText(name);
         owner.Text2[10]->setText(QString(300, u'x'));
         widgets::guarded([&] { owner.Command3_Click(); });
-        QCOMPARE(messages->prompts(),
-                 QStringList{"运行时错误 '8152':\n\n将截断字符串或二进制数据。"});
+        QCOMPARE(
+            messages->prompts(),
+            QStringList{"备注太长，最多能存 200 个字节（一个汉字占 2 个字节），请改短后再保存。"});
         QCOMPARE(db->scalar("select 姓名 from 业主表 where ZH_ID = 1").toString(), "王建国");
         owner.Text2[10]->setText(full + name);
         owner.Command3_Click();

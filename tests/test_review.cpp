@@ -145,6 +145,18 @@ class TestReview final : public QObject {
         QCOMPARE(test::texts(form->Text2), QStringList(11, QString()));
         QVERIFY(!review::isMarkedMismatch(form->Text1[4]));
         QVERIFY(form->Picture1->isVisible());
+
+        // An owner record that cannot be read at all: no box keeps owner 1, nothing is marked
+        // as matching or not, and the status bar says so.
+        test::doubleClickCell(*form->MSFlexGrid1, 4, 1);
+        db->exec("alter table 业主表 rename to 业主表_旧");
+        test::doubleClickCell(*form->MSFlexGrid1, 3, 1);
+        db->exec("alter table 业主表_旧 rename to 业主表");
+        QCOMPARE(form->Text1[2]->text(), QString(" 李娜 "));
+        QCOMPARE(test::texts(form->Text2), QStringList(11, QString()));
+        QVERIFY(!review::isMarkedMismatch(form->Text1[3]));
+        QVERIFY(form->StatusBar1->panelText(5).startsWith("业主资料未能读取："));
+        QCOMPARE(messages->messages.size(), 1);
     }
 
     // By keys alone: Tab leaves the list; Enter opens the current row; with the panel open Tab

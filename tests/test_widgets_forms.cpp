@@ -279,7 +279,8 @@ class TestPlatformWidgets final : public QObject {
         box.setReadOnly(false);
         QVERIFY(box.editor()->palette().base() != box.editor()->palette().window());
 
-        // Tab leaves a multi-line box for the next control; nothing is typed.
+        // Tab leaves a multi-line box for the next control; nothing is typed. Its line breaks
+        // come out as CR LF, however they were given.
         QWidget window;
         auto* memo = new widgets::TextBox(&window, true);
         auto* next = new QLineEdit(&window);
@@ -289,7 +290,9 @@ class TestPlatformWidgets final : public QObject {
         memo->setFocus();
         QTest::keyClick(memo->editor(), Qt::Key_Tab);
         QVERIFY(next->hasFocus());
-        QCOMPARE(memo->text(), QStringLiteral("第一行\n第二行"));
+        QCOMPARE(memo->text(), QStringLiteral("第一行\r\n第二行"));
+        memo->setText("第一行\r\n第二行");
+        QCOMPARE(memo->text(), QStringLiteral("第一行\r\n第二行"));
 
         widgets::StatusBar bar(nullptr, 2);
         QCOMPARE(test::errorOf([&] { bar.setPanelText(3, {}); }).number(),

@@ -375,6 +375,13 @@ void AccountScreen::reportDone(const QString& done, const QString& account) {
     StatusBar1->setPanelText(kDonePanel, done + "：" + account);
 }
 
+void AccountScreen::reportOwnerNotRead(const std::exception& error) {
+    const auto* runtimeError = dynamic_cast<const runtime::RuntimeError*>(&error);
+    StatusBar1->setPanelText(kDonePanel, QStringLiteral("业主资料未能读取：") +
+                                             (runtimeError ? runtimeError->description()
+                                                           : QString::fromLocal8Bit(error.what())));
+}
+
 void AccountScreen::setSmallestSize(std::initializer_list<const QWidget*> titleRow) {
     constexpr int kGap = 120;
     int titleRight = 0;

@@ -95,6 +95,8 @@ class AccountScreen : public widgets::Form {
     QString openedAccount() const;
     // What a decision did, and to whom, in the status bar until the next decision.
     void reportDone(const QString& done, const QString& account);
+    // The owner boxes stay empty: the status bar says the owner's record could not be read.
+    void reportOwnerNotRead(const std::exception& error);
     // The registration the open panel shows; with none opened, the current row's, unchecked.
     qint32 openedRegistration() const;
     // Runs a decision on what the panel showed, then reloads the list. Each statement's own

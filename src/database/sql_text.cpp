@@ -149,4 +149,14 @@ QString translateForSqlite(const QString& statement) {
     return out;
 }
 
+qsizetype serverTextLength(const QString& text, bool wide) {
+    qsizetype length = text.size();
+    if (!wide) {
+        for (const QChar c : text) {
+            length += c.unicode() >= 0x80 && !c.isSurrogate() ? 1 : 0;
+        }
+    }
+    return length;
+}
+
 }  // namespace qivo::database

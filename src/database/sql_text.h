@@ -15,4 +15,9 @@ QStringList splitStatements(const QString& sql);
 // Text inside quotes and brackets is never touched.
 QString translateForSqlite(const QString& statement);
 
+// The length SQL Server counts for text in a column: characters in nvarchar, bytes of code page
+// 936 in varchar, where a Chinese character takes two. A character the code page lacks also
+// counts two, which errs on the side of refusing.
+qsizetype serverTextLength(const QString& text, bool wide);
+
 }  // namespace qivo::database

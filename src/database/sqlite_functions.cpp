@@ -10,6 +10,7 @@
 
 #include "database/collation.h"
 #include "database/dates.h"
+#include "database/sql_text.h"
 #include "database/sqlite_engine.h"
 
 namespace qivo::database {
@@ -95,16 +96,7 @@ void fitsFunction(sqlite3_context* context, int, sqlite3_value** argv) {
         QString::fromUtf8(text, trimmedLength(text, sqlite3_value_bytes(argv[0])));
     const bool wide =
         std::string_view(reinterpret_cast<const char*>(sqlite3_value_text(argv[1]))) == "nvarchar";
-    // In code page 936 a Chinese character takes two bytes, and each half of a character beyond
-    // it one '?'. A character of the first plane it lacks also becomes '?': counting two errs on
-    // the side of refusing.
-    qsizetype length = value.size();
-    if (!wide) {
-        for (const QChar c : value) {
-            length += c.unicode() >= 0x80 && !c.isSurrogate() ? 1 : 0;
-        }
-    }
-    if (length > sqlite3_value_int(argv[2])) {
+    if (serverTextLength(value, wide) > sqlite3_value_int(argv[2])) {
         const QByteArray message = truncationMessage().toUtf8();
         sqlite3_result_error(context, message.constData(), static_cast<int>(message.size()));
         return;

@@ -176,6 +176,22 @@ QList<UsedTable> usedTables() {
     return used;
 }
 
+std::optional<TextCapacity> textCapacity(const QString& table, const QString& column) {
+    static const QRegularExpression sized(QStringLiteral(R"(^(n?)varchar\((\d+)\))"));
+    for (const Table& known : tables()) {
+        if (known.name != table) {
+            continue;
+        }
+        for (const auto& [name, type] : known.columns) {
+            const QRegularExpressionMatch match = sized.match(type);
+            if (name == column && match.hasMatch()) {
+                return TextCapacity{!match.captured(1).isEmpty(), match.captured(2).toInt()};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 void createEmbeddedSchema(database::AdoConnection& connection) {
     QSqlDatabase db = connection.database();
     db.transaction();

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace qivo::database {
 class AdoConnection;
@@ -21,5 +22,13 @@ struct UsedTable {
     QStringList columns;
 };
 QList<UsedTable> usedTables();
+
+// What a text column of the estate schema holds at most: characters of nvarchar, bytes of code
+// page 936 of varchar. Nothing for a column that is not text.
+struct TextCapacity {
+    bool wide = false;
+    int size = 0;
+};
+std::optional<TextCapacity> textCapacity(const QString& table, const QString& column);
 
 }  // namespace qivo::db

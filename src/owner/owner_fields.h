@@ -15,6 +15,17 @@ inline constexpr std::array<QStringView, 15> kMemberGridColumns{
     u"ZL_xm",  u"ZL_gx", u"ZL_xb",   u"ZL_csrq", u"ZL_csd", u"ZL_jg", u"ZL_whcd", u"ZL_hy",
     u"ZL_sfz", u"ZL_dh", u"ZL_yddh", u"ZL_fwcs", u"ZL_zj",  u"ZL_mz", u"ZL_bz"};
 
+// The labels (Label1 indexes) beside Text2(0) … Text2(10), which name the boxes in messages.
+inline constexpr std::array<int, 11> kOwnerBoxLabels{18, 0, 6, 3, 2, 16, 17, 8, 1, 7, 5};
+// Text2 indexes of the owner's four dates.
+inline constexpr std::array<std::size_t, 4> kOwnerDateBoxes{4, 5, 6, 7};
+
+// The labels beside the controls of member grid columns 1 … 15.
+inline constexpr std::array<int, 15> kMemberLabels{35, 34, 33, 32, 31, 30, 21, 20,
+                                                   45, 42, 4,  43, 41, 40, 39};
+// The member grid column of the birth date.
+inline constexpr int kBirthDateColumn = 4;
+
 // Grid columns edited in a combo box rather than a text box.
 inline constexpr int kSexColumn = 3;
 inline constexpr int kMaritalColumn = 8;

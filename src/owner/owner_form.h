@@ -44,9 +44,13 @@ class frm业户信息 final : public widgets::Form {
     QPushButton* Command7 = nullptr;
     std::map<int, QLabel*> Label1;
 
+    void Form_Load() override;
     void Form_Activate() override;
+    bool Form_QueryUnload() override;
     void Form_Unload() override;
     void Grid2_Click();
+    void Grid2_RowColChange();
+    void Grid2_KeyPress(int keyAscii);
     void Command6_Click();
     void Command7_Click();
     void Command2_Click();
@@ -54,8 +58,12 @@ class frm业户信息 final : public widgets::Form {
     void Command5_Click();
 
   private:
+    // Whose values the member panel holds: a save writes exactly that member.
+    enum class PanelMember { Nobody, New, Stored };
+
     void buildOwnerFrame();
     void buildMemberFrame();
+    void setTabOrder();
     void connectEvents();
     QLabel* addLabel(int index, const QString& text, QWidget* parent);
 
@@ -63,13 +71,31 @@ class frm业户信息 final : public widgets::Form {
     void showOwner(const QString& ownerKey);
     void showMembers(const QString& ownerKey);
     void setMemberButtons();
-    void writeOwnerBoxes(database::Recordset& owner) const;
+    bool ownerStorable();
+    void writeOwnerBoxes(database::Recordset& owner, bool everyBox) const;
+    void saveOwner();
+    bool memberStorable();
     void insertMember();
-    void updateSelectedMember();
-    void writeMemberFields(database::Recordset& member) const;
+    void updatePanelMember();
+    void writeMemberFields(database::Recordset& member, bool everyField) const;
     void showMemberLine(int row, const database::Recordset& member);
     QVariant memberValue(int gridCol) const;
     widgets::TextBox* memberBox(int gridCol) const;
+    QWidget* memberControl(int gridCol) const;
+
+    QStringList ownerValues() const;
+    QStringList memberValues() const;
+    bool ownerEdited() const { return ownerValues() != ownerShown_; }
+    bool memberEdited() const;
+    void holdInPanel(PanelMember member, const QString& key = {});
+    bool mayDiscardMemberEdits();
+    int memberLine(const QString& key) const;
+    void reloadAfterUnknownOutcome();
+
+    PanelMember panelMember_ = PanelMember::Nobody;
+    QString panelKey_;         // the ZL_ID of a stored member in the panel
+    QStringList memberShown_;  // the panel's values when it was filled or saved
+    QStringList ownerShown_;   // the owner's boxes and Check1 when read or saved
 
     OwnerKeyReceiver* opener_ = nullptr;
 };

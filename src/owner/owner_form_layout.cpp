@@ -5,6 +5,8 @@
 
 #include "owner/owner_fields.h"
 #include "owner/owner_form.h"
+#include "owner/owner_input.h"
+#include "widgets/button_keys.h"
 #include "widgets/error_path.h"
 #include "widgets/screen_font.h"
 
@@ -54,7 +56,30 @@ frm业户信息::frm业户信息(QWidget* parent) : widgets::Form(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(scroll);
     setMinimumSize(page->minimumSizeHint().grownBy(layout->contentsMargins()));
+    setTabOrder();
     connectEvents();
+    ownerShown_ = ownerValues();
+    memberShown_ = memberValues();
+}
+
+// Tab goes through the controls in the order they stand on the screen, the check box and the
+// drop-downs among the boxes. Set once the frames are in their page: moving a widget into
+// another parent reorders its chain.
+void frm业户信息::setTabOrder() {
+    // A text box passes the focus on to its editor, which is what takes a place in the chain.
+    std::vector<QWidget*> order;
+    for (std::size_t i = 0; i < 10; ++i) {
+        order.push_back(Text2[i]->editor());
+    }
+    order.insert(order.end(), {Check1, Text2[10]->editor(), Command3, Command2, Grid2});
+    for (int col = 1; col <= static_cast<int>(owner_fields::kMemberGridColumns.size()); ++col) {
+        const widgets::TextBox* box = memberBox(col);
+        order.push_back(box ? box->editor() : memberControl(col));
+    }
+    order.insert(order.end(), {Command6, Command5, Command7});
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        QWidget::setTabOrder(order[i - 1], order[i]);
+    }
 }
 
 QLabel* frm业户信息::addLabel(int index, const QString& text, QWidget* parent) {
@@ -94,7 +119,15 @@ void frm业户信息::buildOwnerFrame() {
         grid->addWidget(cell.control, cell.row, cell.pair * 2 + 1, 1, cell.pairSpan * 2 - 1);
         cell.control->setMinimumWidth(smallestBoxWidth(frame));
     }
+    for (std::size_t i = 0; i < Text2.size(); ++i) {
+        owner_input::limitToColumn(Text2[i], QStringLiteral("业主表"),
+                                   owner_fields::kOwnerBoxColumns[i].toString());
+    }
+    for (const std::size_t i : owner_fields::kOwnerDateBoxes) {
+        Text2[i]->setToolTip(owner_input::dateFormsTip());
+    }
     grid->addWidget(Check1, 3, 5);
+    widgets::giveKeys(Command2, {Qt::Key_Escape});
     auto* buttons = new QVBoxLayout;
     buttons->addWidget(Command3);
     buttons->addWidget(Command2);
@@ -155,6 +188,13 @@ void frm业户信息::buildMemberFrame() {
         panel->addWidget(cell.control, cell.row, cell.pair * 2 + 1, 1, cell.pairSpan * 2 - 1);
         cell.control->setMinimumWidth(smallestBoxWidth(frame));
     }
+    for (int col = 1; col <= static_cast<int>(owner_fields::kMemberGridColumns.size()); ++col) {
+        if (widgets::TextBox* box = memberBox(col)) {
+            owner_input::limitToColumn(box, QStringLiteral("ZHZL"),
+                                       owner_fields::kMemberGridColumns[col - 1].toString());
+        }
+    }
+    memberBox(owner_fields::kBirthDateColumn)->setToolTip(owner_input::dateFormsTip());
     auto* buttons = new QVBoxLayout;
     buttons->addWidget(Command6);
     buttons->addWidget(Command5);
@@ -171,6 +211,10 @@ void frm业户信息::buildMemberFrame() {
 
 void frm业户信息::connectEvents() {
     widgets::onEvent(Grid2, &widgets::FlexGrid::Click, this, [this] { Grid2_Click(); });
+    widgets::onEvent(Grid2, &widgets::FlexGrid::RowColChange, this,
+                     [this] { Grid2_RowColChange(); });
+    connect(Grid2, &widgets::FlexGrid::KeyPress, this,
+            [this](int keyAscii) { widgets::guarded([&] { Grid2_KeyPress(keyAscii); }); });
     widgets::onEvent(Command2, &QPushButton::clicked, this, [this] { Command2_Click(); });
     widgets::onEvent(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
     widgets::onEvent(Command5, &QPushButton::clicked, this, [this] { Command5_Click(); });

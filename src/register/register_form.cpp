@@ -80,14 +80,17 @@ void frmQivo账号一览表::FillAccountFields(qint32 row) {
     copyAccountCells(row);
 }
 
-// A missing owner row or a Null name ends the fill quietly; boxes not reached keep their text.
+// A missing owner row or a Null name ends the fill without a message box. The boxes are
+// emptied first, so they never show another household's record, and the status bar says so.
 void frmQivo账号一览表::LoadOwnerDetail(qint32 zhId) {
+    ClearOwnerFields();
     try {
         database::Recordset owner;
         owner.Open(register_sql::ownerDetailQuery(zhId), Connection::cn());
         fillOwnerFields(owner);
-    } catch (const std::exception&) {
-        return;
+    } catch (const std::exception& error) {
+        ClearOwnerFields();
+        reportOwnerNotRead(error);
     }
 }
 

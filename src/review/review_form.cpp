@@ -64,9 +64,11 @@ void frmQivo账号审核::ShowAccountRow(qint32 row) {
     copyAccountCells(row);
 }
 
-// Any failure reading the owner ends the fill quietly; boxes not reached keep their text.
+// Any failure reading the owner ends the fill without a message box. The boxes are emptied
+// first, so they never show another household's record, and the status bar says so.
 void frmQivo账号审核::ShowOwner(qint32 ownerId) {
     ownerShown_ = false;
+    ClearOwnerFields();
     try {
         database::Recordset owner;
         owner.Open(review_sql::ownerQuery(ownerId), Connection::cn());
@@ -77,8 +79,9 @@ void frmQivo账号审核::ShowOwner(qint32 ownerId) {
         }
         fillOwnerFields(owner);
         ownerShown_ = true;
-    } catch (const std::exception&) {
-        return;
+    } catch (const std::exception& error) {
+        ClearOwnerFields();
+        reportOwnerNotRead(error);
     }
 }
 

@@ -399,11 +399,20 @@ void FlexGrid::keyPressEvent(QKeyEvent* event) {
             event->accept();
             Q_EMIT KeyPress(13);
             return;
+        case Qt::Key_Space:
+            event->accept();
+            Q_EMIT KeyPress(32);
+            return;
         case Qt::Key_Escape:
             event->ignore();
             return;
-        default:
+        default: {
+            const int before = row_;
             QTableView::keyPressEvent(event);
+            if (row_ != before) {
+                Q_EMIT RowColChange();
+            }
+        }
     }
 }
 

@@ -87,7 +87,8 @@ class FlexGrid final : public QTableView {
   Q_SIGNALS:
     void Click();
     void DblClick();
-    void KeyPress(int keyAscii);  // Enter (13); Escape is left to the window
+    void KeyPress(int keyAscii);  // Enter (13), Space (32); Escape is left to the window
+    void RowColChange();          // a key moved the current cell to another row
 
   protected:
     void showEvent(QShowEvent* event) override;

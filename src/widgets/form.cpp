@@ -82,6 +82,12 @@ void Form::resizeEvent(QResizeEvent* event) {
 }
 
 void Form::closeEvent(QCloseEvent* event) {
+    bool goAhead = true;
+    guarded([&] { goAhead = !loaded_ || Form_QueryUnload(); });
+    if (!goAhead) {
+        event->ignore();
+        return;
+    }
     if (loaded_) {
         loaded_ = false;
         if (lastActive == this) {

@@ -25,6 +25,8 @@ class Form : public QWidget {
     virtual void Form_Load() {}
     virtual void Form_Activate() {}
     virtual void Form_Resize() {}
+    // Asked before the form closes, however it is closed; false keeps it open.
+    virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
 
     // Inner width and height in twips.

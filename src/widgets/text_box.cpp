@@ -6,8 +6,25 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextCursor>
+#include <QValidator>
 
 namespace qivo::widgets {
+namespace {
+
+// Refuses a single-line box's edits that would make its text fail a test.
+class FitsValidator final : public QValidator {
+  public:
+    FitsValidator(std::function<bool(const QString&)> fits, QObject* parent)
+        : QValidator(parent), fits_(std::move(fits)) {}
+    State validate(QString& input, int&) const override {
+        return fits_(input) ? Acceptable : Invalid;
+    }
+
+  private:
+    std::function<bool(const QString&)> fits_;
+};
+
+}  // namespace
 
 TextBox::TextBox(QWidget* parent, bool multiLine) : QWidget(parent) {
     auto* layout = new QHBoxLayout(this);
@@ -17,7 +34,10 @@ TextBox::TextBox(QWidget* parent, bool multiLine) : QWidget(parent) {
         plain_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
         // Tab moves on to the next control, as from every other box.
         plain_->setTabChangesFocus(true);
-        connect(plain_, &QPlainTextEdit::textChanged, this, &TextBox::changed);
+        connect(plain_, &QPlainTextEdit::textChanged, this, [this] {
+            keepFitting();
+            Q_EMIT changed();
+        });
     } else {
         line_ = new QLineEdit(this);
         connect(line_, &QLineEdit::returnPressed, this, &TextBox::returnPressed);
@@ -33,15 +53,47 @@ QWidget* TextBox::editor() const {
 }
 
 QString TextBox::text() const {
-    return line_ != nullptr ? line_->text() : plain_->toPlainText();
+    return line_ != nullptr ? line_->text()
+                            : plain_->toPlainText().replace(u'\n', QStringLiteral("\r\n"));
 }
 
 void TextBox::setText(const QString& text) {
     if (line_ != nullptr) {
         line_->setText(text);
-    } else {
-        plain_->setPlainText(text);
+        return;
     }
+    settingText_ = true;
+    plain_->setPlainText(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    settingText_ = false;
+    lastFitting_ = plain_->toPlainText();
+}
+
+void TextBox::setFits(std::function<bool(const QString&)> fits) {
+    fits_ = std::move(fits);
+    lastFitting_ = plain_ != nullptr ? plain_->toPlainText() : QString();
+    if (line_ != nullptr) {
+        line_->setValidator(new FitsValidator(fits_, line_));
+    }
+}
+
+// A multi-line box has no validator: an edit that does not fit is taken back, the cursor where
+// the edit began.
+void TextBox::keepFitting() {
+    if (!fits_ || settingText_) {
+        return;
+    }
+    if (fits_(text())) {
+        lastFitting_ = plain_->toPlainText();
+        return;
+    }
+    const int position = std::min<int>(plain_->textCursor().position(), lastFitting_.size());
+    settingText_ = true;
+    plain_->setPlainText(lastFitting_);
+    settingText_ = false;
+    QTextCursor cursor = plain_->textCursor();
+    cursor.setPosition(position);
+    plain_->setTextCursor(cursor);
+    QApplication::beep();
 }
 
 void TextBox::setReadOnly(bool readOnly) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 
 class QLineEdit;
 class QPlainTextEdit;
@@ -13,8 +14,13 @@ class TextBox final : public QWidget {
   public:
     explicit TextBox(QWidget* parent = nullptr, bool multiLine = false);
 
+    // A multi-line box hands its line breaks over as CR LF, as the estate system's other
+    // programs store and read them.
     QString text() const;
     void setText(const QString& text);
+    // Typing or pasting that would make the text fail the test is refused as it happens; text
+    // set by the program is not tested.
+    void setFits(std::function<bool(const QString&)> fits);
     bool isMultiLine() const { return plain_ != nullptr; }
 
     void setReadOnly(bool readOnly);
@@ -36,8 +42,13 @@ class TextBox final : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void keepFitting();
+
     QLineEdit* line_ = nullptr;
     QPlainTextEdit* plain_ = nullptr;
+    std::function<bool(const QString&)> fits_;
+    QString lastFitting_;  // a multi-line box's text before the edit that is being checked
+    bool settingText_ = false;
 };
 
 }  // namespace qivo::widgets
