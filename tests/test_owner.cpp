@@ -372,7 +372,7 @@ class TestOwner final : public QObject {
         QVERIFY(form->Grid2->hasFocus());
         QTest::mouseClick(form->Command5, Qt::LeftButton);
         QCOMPARE(boxes.prompts(),
-                 QStringList{"请先在列表中选择要修改的成员，或按“新增”添加成员。"});
+                 QStringList{"请先在列表中选择要修改的成员（单击或用方向键）。"});
         QCOMPARE(members(), before);
 
         clickRow(1);

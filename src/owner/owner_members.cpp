@@ -186,7 +186,7 @@ void frm业户信息::Command5_Click() {
     }
     const bool adding = Command6->text() == kAddMode;
     if (!adding && panelMember_ != PanelMember::Stored) {
-        widgets::MsgBox(QStringLiteral("请先在列表中选择要修改的成员，或按“新增”添加成员。"));
+        widgets::MsgBox(QStringLiteral("请先在列表中选择要修改的成员（单击或用方向键）。"));
         Grid2->setFocus();
         return;
     }
