@@ -9,7 +9,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 # What the Babelfish bundle (../shared/babelfish) needs to run: the SQL Server suites and
 # make run-sqlserver start it.
 BABELFISH_PACKAGES := libicu72 libxml2 libssl3 libuuid1 zlib1g libstdc++6
-PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc unixodbc-dev \
+PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite unixodbc unixodbc-dev \
               tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin \
               $(BABELFISH_PACKAGES)
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}

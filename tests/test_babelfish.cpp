@@ -232,6 +232,13 @@ class BabelfishTest final : public QObject {
         QCOMPARE(report.count("✓ "), 23);  // connection, 12 tables, 8 probes, both summaries
         QCOMPARE(count("select count(*) from 业主表"), 5);
     }
+
+    // Last, after every statement above: the program's statements were the only ones, and none
+    // reached the server as a cursor.
+    void noServerCursors() {
+        const QString log = server.log();
+        QVERIFY2(!log.contains("cursor", Qt::CaseInsensitive), qPrintable(log.right(2000)));
+    }
 };
 
 QIVO_TEST_MAIN(BabelfishTest)
