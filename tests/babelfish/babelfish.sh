@@ -68,9 +68,9 @@ start() {
   mkdir -p "$state"
   state=$(cd "$state" && pwd)
   stop_server "$state" 2>/dev/null || true
+  rm -rf "$state/data" "$state/server"
   unpack "$state" "$tar"
   install_runtime
-  rm -rf "$state/data" "$state/server"
   # The server's own user (root runs it as "babelfish") needs to reach the bundle and the data.
   chmod 755 "$state"
   local port
