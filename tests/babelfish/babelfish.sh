@@ -5,7 +5,8 @@
 #   babelfish.sh start STATE BUNDLE QIVO_TSQL [SCRIPT... | --sqlite FILE]
 #       checks the bundle's sha256, unpacks it into STATE once, starts a fresh server, creates the
 #       estate database and fills it (the suites' seed, or every row of an embedded database);
-#       STATE/server then holds the TDS port, login and password
+#       STATE/server then holds the TDS port, login, password and the server's home (STATE, or
+#       a folder of /var/tmp when the server's own user cannot reach STATE)
 #   babelfish.sh restart STATE    stops the server and starts it again on the same port
 #   babelfish.sh stop STATE       stops it (nothing to do when it is not running)
 set -euo pipefail
@@ -55,10 +56,34 @@ free_port() {
   die "no free port pair on 127.0.0.1"
 }
 
+# Where the bundle and the data go: STATE itself, unless root runs the server as "babelfish" and
+# that user cannot reach STATE (a build under a private home folder); then a folder of /var/tmp
+# named after STATE.
+server_home() {
+  local state=$1 dir
+  if [ "$(id -u)" = 0 ]; then
+    dir=$(dirname "$state")
+    while [ "$dir" != / ]; do
+      if [ $(( 0$(stat -c %a "$dir") & 1 )) -eq 0 ]; then
+        echo "/var/tmp/qivo-babelfish-$(printf '%s' "$state" | sha256sum | cut -c1-12)"; return
+      fi
+      dir=$(dirname "$dir")
+    done
+  fi
+  echo "$state"
+}
+
+# The home of the server STATE describes; STATE itself when it names none.
+home_of() {
+  local home
+  home=$(sed -n 's/^home=//p' "$1/server" 2>/dev/null)
+  echo "${home:-$1}"
+}
+
 stop_server() {
-  local state=$1
-  if [ -f "$state/data/postmaster.pid" ]; then
-    "$state/bundle/stop.sh" "$state/data" >/dev/null
+  local home=$1
+  if [ -f "$home/data/postmaster.pid" ]; then
+    "$home/bundle/stop.sh" "$home/data" >/dev/null
   fi
 }
 
@@ -67,29 +92,34 @@ start() {
   shift 3
   mkdir -p "$state"
   state=$(cd "$state" && pwd)
-  stop_server "$state" 2>/dev/null || true
-  rm -rf "$state/data" "$state/server"
-  unpack "$state" "$tar"
+  stop_server "$(home_of "$state")" 2>/dev/null || true
+  local home
+  home=$(server_home "$state")
+  rm -rf "$home/data" "$state/server"
+  mkdir -p "$home"
+  unpack "$home" "$tar"
   install_runtime
   # The server's own user (root runs it as "babelfish") needs to reach the bundle and the data.
-  chmod 755 "$state"
+  chmod 755 "$home"
   local port
   port=$(free_port)
-  "$state/bundle/start.sh" "$state/data" "$port" >/dev/null
-  printf 'port=%s\nlogin=%s\npassword=%s\n' "$port" "$LOGIN" "$PASSWORD" > "$state/server"
+  "$home/bundle/start.sh" "$home/data" "$port" >/dev/null
+  printf 'port=%s\nlogin=%s\npassword=%s\nhome=%s\n' "$port" "$LOGIN" "$PASSWORD" "$home" \
+    > "$state/server"
   "$tsql" "$port" "$LOGIN" "$PASSWORD" master "$HERE/estate_schema.sql"
   if [ $# -gt 0 ]; then
     "$tsql" "$port" "$LOGIN" "$PASSWORD" estate "$@"
   fi
-  echo "Babelfish on 127.0.0.1,$port: database estate, login $LOGIN"
+  echo "Babelfish on 127.0.0.1,$port: database estate, login $LOGIN (server in $home)"
 }
 
 case "${1:-}" in
   start) [ $# -ge 4 ] || die "usage: $0 start STATE BUNDLE QIVO_TSQL [SCRIPT...]"; shift; start "$@" ;;
   restart)
     [ -f "$2/server" ] || die "no server in $2"
-    stop_server "$2"
-    "$2/bundle/start.sh" "$2/data" "$(sed -n 's/^port=//p' "$2/server")" >/dev/null ;;
-  stop) [ $# -eq 2 ] || die "usage: $0 stop STATE"; stop_server "$2" ;;
+    home=$(home_of "$2")
+    stop_server "$home"
+    "$home/bundle/start.sh" "$home/data" "$(sed -n 's/^port=//p' "$2/server")" >/dev/null ;;
+  stop) [ $# -eq 2 ] || die "usage: $0 stop STATE"; stop_server "$(home_of "$2")" ;;
   *) die "usage: $0 start|restart|stop STATE ..." ;;
 esac

@@ -22,6 +22,7 @@ BabelfishServer::BabelfishServer() : state_(qEnvironmentVariable("QIVO_BABELFISH
     port_ = server.value(QStringLiteral("port")).toInt();
     login_ = server.value(QStringLiteral("login")).toString();
     password_ = server.value(QStringLiteral("password")).toString();
+    home_ = server.value(QStringLiteral("home")).toString();
 }
 
 bool BabelfishServer::connectProgram() const {
@@ -57,7 +58,7 @@ bool BabelfishServer::restart() const {
 }
 
 QString BabelfishServer::log() const {
-    QFile file(QDir(state_).filePath(QStringLiteral("data/server.log")));
+    QFile file(QDir(home_).filePath(QStringLiteral("data/server.log")));
     file.open(QIODevice::ReadOnly);
     return QString::fromUtf8(file.readAll());
 }

@@ -28,6 +28,7 @@ class BabelfishServer {
 
   private:
     QString state_;
+    QString home_;  // where the server's bundle and data are
     QString login_;
     QString password_;
     int port_ = 0;
