@@ -3,20 +3,24 @@
 // writes is read back through a connection of the suite's own.
 #include <QDate>
 #include <QListWidget>
+#include <QProcess>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QTemporaryDir>
 #include <QTextStream>
 
 #include "check/workstation_check.h"
 #include "owner/owner_form.h"
 #include "register/register_form.h"
 #include "review/review_form.h"
+#include "session/connection.h"
 #include "session/login_form.h"
 #include "session/main_screen.h"
 #include "session/session_values.h"
 #include "support/babelfish_fixture.h"
 #include "support/grid_actions.h"
 #include "support/odbc_fixture.h"
+#include "widgets/grid_export.h"
 
 using namespace qivo;
 
@@ -209,6 +213,30 @@ class BabelfishTest final : public QObject {
         form.Command3_Click();
         QCOMPARE(count("select count(*) from 业主表"), 6);
         QCOMPARE(text("select 姓名 from 业主表 where ZH_ID = " + key), QString("赵六"));
+    }
+
+    // The demo estate on both engines: both lists show the same rows in the same order, the
+    // Chinese addresses sorted alike, and export to the same bytes.
+    void demoListsAsOnTheEmbeddedEngine() {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("demo.db");
+        QCOMPARE(QProcess::execute(qEnvironmentVariable("QIVO_DEMO_DB"),
+                                   {"--no-settings", "--out", path}),
+                 0);
+        QVERIFY(server.copyRows(path));
+        const auto lists = [] {
+            frmQivo账号一览表 accounts;
+            accounts.Show();
+            frmQivo账号审核 review;
+            review.Show();
+            return QByteArrayList{widgets::gridCsv(*accounts.MSFlexGrid1),
+                                  widgets::gridCsv(*review.MSFlexGrid1)};
+        };
+        const QByteArrayList onServer = lists();
+        QVERIFY(onServer[0].count('\n') > 50 && onServer[1].count('\n') > 20);
+        QString user, password, catalog, source = "sqlite:" + path;
+        QVERIFY(Connection::OpenConnection(user, password, catalog, source));
+        QCOMPARE(lists(), onServer);
     }
 
     // The server restarts under the program: the next list read connects anew, unnoticed.

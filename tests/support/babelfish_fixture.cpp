@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QSettings>
 
+#include "db/schema.h"
 #include "runtime/settings.h"
 #include "session/connection.h"
 
@@ -47,6 +48,16 @@ void BabelfishServer::seed() const {
     for (const QString& batch : scriptBatches(QString::fromUtf8(script.readAll()))) {
         connection->run(batch);
     }
+}
+
+bool BabelfishServer::copyRows(const QString& embedded) const {
+    const auto connection = client();
+    for (const db::UsedTable& table : db::usedTables()) {
+        connection->run("DELETE " + table.name);
+    }
+    return QProcess::execute(qEnvironmentVariable("QIVO_TSQL"),
+                             {QString::number(port_), login_, password_, QStringLiteral("estate"),
+                              QStringLiteral("--sqlite"), embedded}) == 0;
 }
 
 bool BabelfishServer::restart() const {

@@ -21,6 +21,9 @@ class BabelfishServer {
     std::unique_ptr<TsqlClient> client() const;
     // Writes the suites' rows afresh.
     void seed() const;
+    // Replaces every row of the estate database with those of an embedded database (qivo-tsql,
+    // named by QIVO_TSQL).
+    bool copyRows(const QString& embedded) const;
     // Stops the server and starts it again on the same port: every connection is dropped.
     bool restart() const;
     // What the server logged so far.
