@@ -6,8 +6,12 @@ SHELL      := /bin/bash
 MAKEFLAGS  += --no-print-directory
 QUIET_STEPS = grep --line-buffered -vE '^(\[ *[0-9]+%\] (Built target|Automatic (MOC|RCC|UIC) for)|-- )'
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
-PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc unixodbc-dev \
-              tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin
+# What the Babelfish bundle (../shared/babelfish) needs to run: the SQL Server suites and
+# make run-sqlserver start it.
+BABELFISH_PACKAGES := libicu72 libxml2 libssl3 libuuid1 zlib1g libstdc++6
+PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite unixodbc unixodbc-dev \
+              tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin \
+              $(BABELFISH_PACKAGES)
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 # The Windows build: mingw-w64 against a Windows SDK (Qt and SQLite built from Debian's sources),
@@ -21,7 +25,7 @@ WIN_SDK_HOME := build-windows-sdk
 WIN_SDK       = $${QIVO_WINDOWS_SDK:-$(CURDIR)/$(WIN_SDK_HOME)/qivo-windows-sdk}
 WIN_PREFIX    = $(CURDIR)/$(WIN_BUILD)/wine-prefix
 
-.PHONY: deps build run test bench screenshots check-sanitize package check-package clean \
+.PHONY: deps build run run-sqlserver test bench screenshots check-sanitize package check-package clean \
         windows-deps windows-sdk windows-build windows windows-test
 
 # Installs the missing ones of the given Debian packages (as root), or says how to.
@@ -53,6 +57,25 @@ run: build
 	  echo "No display: run this on a desktop, or under xvfb-run (xvfb-run make run)."; exit 1; \
 	fi
 	@$(BUILD)/qivo-review
+
+# The program signed in as 1001 on a real T-SQL engine (Babelfish, from ../shared/babelfish)
+# holding the demo rows make run makes; the engine stops when the program ends. The settings it
+# reads are its own, so the demo's settings stay as they are.
+BABELFISH_BUNDLE ?= ../shared/babelfish/babelfish-4.2.0-debian12-x86_64.tar.xz
+SQLSERVER_STATE   = $(BUILD)/babelfish-demo
+run-sqlserver: build
+	@if [ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] && [ -z "$$QT_QPA_PLATFORM" ]; then \
+	  echo "No display: run this on a desktop, or under xvfb-run (xvfb-run make run-sqlserver)."; exit 1; \
+	fi
+	@mkdir -p $(SQLSERVER_STATE) && $(BUILD)/qivo-demo-db --no-settings --out $(SQLSERVER_STATE)/demo.db && \
+	  bash tests/babelfish/babelfish.sh start $(SQLSERVER_STATE) $(BABELFISH_BUNDLE) $(BUILD)/qivo-tsql \
+	    --sqlite $(SQLSERVER_STATE)/demo.db
+	@cfg=$$(mktemp -d) && trap 'bash tests/babelfish/babelfish.sh stop $(SQLSERVER_STATE); rm -rf "$$cfg"' EXIT && \
+	  mkdir -p "$$cfg/Merivane" && . <(sed 's/^/server_/' $(SQLSERVER_STATE)/server) && \
+	  printf '[DBConfig]\nSvr=127.0.0.1,%s\nUID=%s\nPWD=%s\nDBname=estate\n' \
+	    "$$server_port" "$$server_login" "$$server_password" > "$$cfg/Merivane/Merivane.ini" && \
+	  XDG_CONFIG_HOME="$$cfg" QIVO_ODBC_DRIVER=FreeTDS \
+	    $(BUILD)/qivo-review "1001,王丽,KF,客服中心,KF01,客服主管,WY,物业管理,GL,管理岗"
 
 test: build
 	@cfg=$$(mktemp -d) && trap 'rm -rf "$$cfg"' EXIT && \

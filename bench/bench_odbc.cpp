@@ -1,5 +1,6 @@
-// The account lists on SQL Server: FreeTDS's ODBC driver to the stand-in server on 127.0.0.1,
-// with the time the server spent running the query and encoding its rows reported beside each.
+// The account lists on SQL Server through FreeTDS's ODBC driver: against the stand-in server on
+// 127.0.0.1, with the time it spent running the query and encoding its rows beside each, and
+// against Babelfish, a real T-SQL engine, holding the same rows.
 #include "bench_odbc.h"
 
 #include <QCoreApplication>
@@ -12,24 +13,69 @@
 #include "register/register_form.h"
 #include "review/review_form.h"
 #include "session/connection.h"
+#include "support/babelfish_fixture.h"
 #include "support/odbc_fixture.h"
 
 namespace qivo::bench {
 namespace {
 
-void benchList(const QString& what, int n, test::TdsServer& server,
-               const std::function<void()>& load, int rows) {
-    std::vector<double> serverMs;
-    const double ms = medianMs([&] {
-        const qint64 before = server.busyNanoseconds();
-        load();
-        serverMs.push_back(static_cast<double>(server.busyNanoseconds() - before) / 1e6);
-    });
-    std::sort(serverMs.begin(), serverMs.end());
-    printRow(what, QString::number(n), ms,
-             QStringLiteral("server %1 ms, %2 rows")
-                 .arg(serverMs[serverMs.size() / 2], 0, 'f', 1)
-                 .arg(rows));
+// Both lists on the shared connection; serverMs, when given, is the server's busy time so far.
+void benchLists(const QString& where, int n, const std::function<double()>& serverMs) {
+    frmQivo账号一览表 accounts;
+    accounts.Show();
+    frmQivo账号审核 review;
+    review.Show();
+    const auto bench = [&](const QString& what, const std::function<void()>& load, int rows) {
+        std::vector<double> server;
+        const double ms = medianMs([&] {
+            const double before = serverMs ? serverMs() : 0;
+            load();
+            server.push_back(serverMs ? serverMs() - before : 0);
+        });
+        std::sort(server.begin(), server.end());
+        const QString note = serverMs ? QStringLiteral("server %1 ms, %2 rows")
+                                            .arg(server[server.size() / 2], 0, 'f', 1)
+                                            .arg(rows)
+                                      : QStringLiteral("%1 rows").arg(rows);
+        printRow(what + where, QString::number(n), ms, note);
+    };
+    bench(
+        "LoadApprovedList over ODBC", [&] { accounts.LoadApprovedList(); },
+        accounts.MSFlexGrid1->Rows() - 1);
+    bench(
+        "LoadPendingList over ODBC", [&] { review.LoadPendingList(); },
+        review.MSFlexGrid1->Rows() - 1);
+}
+
+void standIn(const QString& path, int n) {
+    test::TdsServer server(path);
+    QString user = "sa", password = "secret", catalog = "qivo", source = server.dataSource();
+    if (!Connection::OpenConnection(user, password, catalog, source)) {
+        std::fprintf(stderr, "qivo-bench: the stand-in server refused the connection\n");
+        return;
+    }
+    benchLists({}, n, [&server] { return static_cast<double>(server.busyNanoseconds()) / 1e6; });
+}
+
+// Babelfish in the build folder (its server user must reach the data), the demo rows copied in.
+void babelfish(const QString& path, int n) {
+    const QString state = QDir(QCoreApplication::applicationDirPath()).filePath("babelfish-bench");
+    const QString script = QStringLiteral(QIVO_BABELFISH_SCRIPTS "/babelfish.sh");
+    qputenv("QIVO_BABELFISH", state.toLocal8Bit());
+    qputenv("QIVO_BABELFISH_SCRIPTS", QIVO_BABELFISH_SCRIPTS);
+    if (QProcess::execute(
+            "bash", {script, "start", state, QIVO_BABELFISH_BUNDLE,
+                     QDir(QCoreApplication::applicationDirPath()).filePath("qivo-tsql"), "--sqlite",
+                     path}) != 0) {
+        std::printf("ODBC lists on Babelfish skipped: the engine did not start\n");
+        return;
+    }
+    const test::BabelfishServer server;
+    if (server.connectProgram()) {
+        benchLists(" (Babelfish)", n, {});
+    }
+    Connection::Cn.reset();
+    QProcess::execute("bash", {script, "stop", state});
 }
 
 }  // namespace
@@ -47,22 +93,8 @@ void benchOdbcLists(const QTemporaryDir& dir) {
             std::fprintf(stderr, "qivo-bench: qivo-demo-db failed\n");
             return;
         }
-        test::TdsServer server(path);
-        QString user = "sa", password = "secret", catalog = "qivo", source = server.dataSource();
-        if (!Connection::OpenConnection(user, password, catalog, source)) {
-            std::fprintf(stderr, "qivo-bench: the stand-in server refused the connection\n");
-            return;
-        }
-        frmQivo账号一览表 accounts;
-        accounts.Show();
-        frmQivo账号审核 review;
-        review.Show();
-        benchList(
-            "LoadApprovedList over ODBC", n, server, [&] { accounts.LoadApprovedList(); },
-            accounts.MSFlexGrid1->Rows() - 1);
-        benchList(
-            "LoadPendingList over ODBC", n, server, [&] { review.LoadPendingList(); },
-            review.MSFlexGrid1->Rows() - 1);
+        standIn(path, n);
+        babelfish(path, n);
     }
 }
 

@@ -4,7 +4,8 @@ class QTemporaryDir;
 
 namespace qivo::bench {
 
-// The account lists loaded over ODBC from the stand-in SQL Server, beside the server's own time.
+// The account lists loaded over ODBC from the stand-in SQL Server, beside the server's own time,
+// and from Babelfish holding the same rows.
 void benchOdbcLists(const QTemporaryDir& dir);
 
 }  // namespace qivo::bench

@@ -13,7 +13,7 @@ set(QIVO_WINDOWS_DLLS
   sqlite/bin/libsqlite3-0.dll
   runtime/libstdc++-6.dll runtime/libgcc_s_seh-1.dll runtime/libwinpthread-1.dll)
 set(QIVO_WINDOWS_PLUGINS
-  platforms/qwindows.dll styles/qwindowsvistastyle.dll sqldrivers/qsqlite.dll sqldrivers/qsqlodbc.dll)
+  platforms/qwindows.dll styles/qwindowsvistastyle.dll sqldrivers/qsqlite.dll)
 set(QIVO_WINDOWS_TEST_DLLS qt/bin/Qt6Test.dll qt/bin/Qt6Network.dll)
 set(QIVO_WINDOWS_TEST_PLUGINS platforms/qoffscreen.dll)
 

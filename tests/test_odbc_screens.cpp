@@ -267,14 +267,14 @@ class OdbcScreensTest final : public QObject {
         form.Frame1[0]->Tag = "1";
         form.Form_Activate();
 
-        // The misspelt delete reaches the error path with the server's syntax error; the
+        // The misspelt delete reaches the error path with SQL Server's syntax error; the
         // connection goes on serving.
         test::clickCell(*form.Grid2, 1, 1);
         const qsizetype before = boxes.messages.size();
         form.Command7->click();
         QCOMPARE(boxes.messages.size(), before + 2);
-        QVERIFY(boxes.messages.last().prompt.startsWith("运行时错误 '102'"));
-        QVERIFY(boxes.messages.last().prompt.contains("Delect"));
+        QVERIFY(boxes.messages.last().prompt.startsWith("运行时错误 '156'"));
+        QVERIFY(boxes.messages.last().prompt.contains("near the keyword 'From'"));
         QCOMPARE(odbc.db.count("select count(*) from ZHZL"), 2);
 
         // A new owner is stored once and then updated.

@@ -96,17 +96,21 @@ Seen chineseTextRoundTrip(database::AdoConnection& connection) {
     return {true, names.join(QStringLiteral("、")) + QStringLiteral(" 读回无损")};
 }
 
-// The session speaks the login's own default language unless the driver asked for another.
+// The session speaks the login's own default language unless the driver asked for another. A
+// login's default may be given by the language's name (us_english) or by its alias (English).
 Seen languageAndDateFormat(database::AdoConnection& connection) {
     const QVariantList row =
         rowsOf(connection,
                QStringLiteral("select @@language, (select dateformat from sys.syslanguages where "
                               "name = @@language), (select default_language_name from "
-                              "sys.server_principals where name = suser_sname())"))
+                              "sys.server_principals where name = suser_sname()), (select alias "
+                              "from sys.syslanguages where name = @@language)"))
             .value(0);
     const QString language = row.value(0).toString();
     const QString loginDefault = row.value(2).toString();
-    return {loginDefault.isEmpty() || language == loginDefault,
+    const bool same = loginDefault.compare(language, Qt::CaseInsensitive) == 0 ||
+                      loginDefault.compare(row.value(3).toString(), Qt::CaseInsensitive) == 0;
+    return {loginDefault.isEmpty() || same,
             QStringLiteral("语言 %1（登录的默认语言 %2），日期格式 %3（程序写日期用 yyyymmdd，"
                            "与之无关）")
                 .arg(language, loginDefault.isEmpty() ? QStringLiteral("不详") : loginDefault,

@@ -5,6 +5,7 @@
 
 #include "database/dates.h"
 #include "database/odbc_connection_string.h"
+#include "database/odbc_driver.h"
 #include "database/odbc_statement.h"
 #include "database/odbc_wait.h"
 #include "database/row_cursor.h"
@@ -15,13 +16,8 @@ namespace qivo::database {
 
 QSqlDatabase OdbcEngine::open(const QString& name, const QMap<QString, QString>& parts,
                               int loginTimeout) const {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), name);
-    if (!db.isValid()) {
-        throw runtime::RuntimeError(runtime::err::ProviderError,
-                                    QStringLiteral("未安装 ODBC 数据库驱动。"));
-    }
+    QSqlDatabase db = QSqlDatabase::addDatabase(new OdbcDriver(loginTimeout), name);
     db.setDatabaseName(odbcConnectionString(parts, odbcDriverName()));
-    db.setConnectOptions(QStringLiteral("SQL_ATTR_LOGIN_TIMEOUT=%1").arg(loginTimeout));
     if (!db.open()) {
         throwSqlError(db.lastError());
     }

@@ -45,7 +45,7 @@ QString fromWide(const SQLWCHAR* text, qsizetype length) {
     return QString::fromUtf16(reinterpret_cast<const char16_t*>(text), length);
 }
 
-// Qt opens the environment for ODBC 2, whose date types have their own codes.
+// The connection's environment is ODBC 2 (odbc_driver.cpp), whose date types have their own codes.
 bool isDateOnlyType(SQLSMALLINT type) {
     return type == SQL_TYPE_DATE || type == SQL_DATE;
 }

@@ -57,8 +57,9 @@ create temp view "sys.triggers" as
   select name, tbl_name as parent_id from main.sqlite_master
   where type = 'trigger' and sql not like '%qivo_date(%';
 create temp view "sys.syslanguages" as
-  select 'us_english' as name, 'mdy' as dateformat union all select 'british', 'dmy'
-  union all select '简体中文', 'ymd';
+  select 'us_english' as name, 'English' as alias, 'mdy' as dateformat
+  union all select 'british', 'British English', 'dmy'
+  union all select '简体中文', 'Simplified Chinese', 'ymd';
 create temp view "INFORMATION_SCHEMA.COLUMNS" as
   select m.name as TABLE_NAME, p.name as COLUMN_NAME, qivo_type_name(p.name, p.type) as DATA_TYPE,
          qivo_type_length(p.name, p.type) as CHARACTER_MAXIMUM_LENGTH

@@ -197,11 +197,29 @@ void bind(sqlite3_stmt* statement, const Parameters& parameters) {
     }
 }
 
+// SQL Server's syntax error where the embedded engine found one. A statement's unknown first
+// word is the name of a procedure to SQL Server (a batch calls one without EXEC), so it stumbles
+// on the word after it instead; a keyword there is error 156.
+void writeSyntaxError(Writer& out, const QString& statement, QString near) {
+    static const QRegularExpression firstWords(R"(^\s*(\S+)\s+(\w+))");
+    static const QStringList keywords = {"from",   "where",  "set",    "values", "into", "select",
+                                         "delete", "update", "insert", "order",  "by",   "and"};
+    if (const auto words = firstWords.match(statement);
+        words.hasMatch() && words.captured(1).compare(near, Qt::CaseInsensitive) == 0) {
+        near = words.captured(2);
+    }
+    if (keywords.contains(near.toLower())) {
+        writeError(out, 156, QStringLiteral("Incorrect syntax near the keyword '%1'.").arg(near));
+    } else {
+        writeError(out, 102, QStringLiteral("Incorrect syntax near '%1'.").arg(near));
+    }
+}
+
 // The server's error for what the embedded engine refused.
-void writeSqliteError(Writer& out, const QString& message) {
+void writeSqliteError(Writer& out, const QString& statement, const QString& message) {
     static const QRegularExpression nearToken(R"re(near "([^"]*)": syntax error)re");
     if (const auto match = nearToken.match(message); match.hasMatch()) {
-        writeError(out, 102, QStringLiteral("Incorrect syntax near '%1'.").arg(match.captured(1)));
+        writeSyntaxError(out, statement, match.captured(1));
     } else if (message.startsWith("no such table: ")) {
         writeError(out, 208, QStringLiteral("Invalid object name '%1'.").arg(message.mid(15)));
     } else if (message.startsWith("no such column: ")) {
@@ -273,7 +291,7 @@ bool runText(sqlite3* db, const QString& text, const Parameters& parameters, boo
         const QByteArray utf8 = embeddedForms(statement).toUtf8();
         if (sqlite3_prepare_v2(db, utf8.constData(), int(utf8.size()), &prepared, nullptr) !=
             SQLITE_OK) {
-            writeSqliteError(out, QString::fromUtf8(sqlite3_errmsg(db)));
+            writeSqliteError(out, statement, QString::fromUtf8(sqlite3_errmsg(db)));
             writeDone(out, done, kDoneError | kDoneMore);
             return false;
         }
@@ -289,7 +307,7 @@ bool runText(sqlite3* db, const QString& text, const Parameters& parameters, boo
             rows.push_back(std::move(row));
         }
         if (step != SQLITE_DONE) {
-            writeSqliteError(out, QString::fromUtf8(sqlite3_errmsg(db)));
+            writeSqliteError(out, statement, QString::fromUtf8(sqlite3_errmsg(db)));
             sqlite3_finalize(prepared);
             writeDone(out, done, kDoneError | kDoneMore);
             return false;
