@@ -246,18 +246,23 @@ class TestPlatformGrid final : public QObject {
         QCOMPARE(list.bar->result(), QString());
     }
 
-    // The file holds the shown columns in their shown order, without the hidden key or the row
-    // data; a file that cannot be written is reported, a cancelled dialog writes nothing.
+    // The file holds the shown columns in their shown order, without the hidden key, the
+    // columns left out or the row data; text a spreadsheet would compute stays text. A file that
+    // cannot be written is reported, a cancelled dialog writes nothing; only a written file's path
+    // comes back.
     void exportWritesTheGridAsShown() {
         Window list;
         list.grid->setTextMatrix(1, 1, QStringLiteral("张\"三\""));
-        list.grid->setTextMatrix(2, 3, QStringLiteral("138,139"));
+        list.grid->setTextMatrix(1, 3, QStringLiteral("-5"));
+        list.grid->setTextMatrix(2, 1, QStringLiteral("=1+2"));
+        list.grid->setTextMatrix(2, 3, QStringLiteral("+86 138,139"));
         list.grid->setTextMatrix(3, 1, QStringLiteral("陈\r\n明"));
+        list.grid->setTextMatrix(3, 3, QStringLiteral("@13800000003"));
         list.grid->setRows(4);
         list.grid->horizontalHeader()->moveSection(3, 1);
         const QByteArray expected(
-            "\xEF\xBB\xBF序,手机,姓名,Qivo号\r\n1,13800000001,\"张\"\"三\"\"\",zs01\r\n"
-            "2,\"138,139\",王丽,wl02\r\n3,13800000003,\"陈\r\n明\",Qivo_AB\r\n");
+            "\xEF\xBB\xBF序,手机,姓名\r\n1,'-5,\"张\"\"三\"\"\"\r\n"
+            "2,\"'+86 138,139\",'=1+2\r\n3,'@13800000003,\"陈\r\n明\"\r\n");
         QTemporaryDir dir;
         QStringList asked;
         QStringList paths{dir.filePath("list.csv"), dir.filePath("no/such/folder.csv"), {}};
@@ -266,10 +271,13 @@ class TestPlatformGrid final : public QObject {
             return paths.takeFirst();
         });
         test::MsgBoxRecorder boxes;
+        QStringList written;
         for (int i = 0; i < 3; ++i) {
-            widgets::exportGridCsv(*list.grid, &list.window, QStringLiteral("名单.csv"));
+            written << widgets::exportGridCsv(*list.grid, &list.window, QStringLiteral("名单.csv"),
+                                              {2});
         }
         widgets::setSaveFileResponder({});
+        QCOMPARE(written, QStringList({dir.filePath("list.csv"), {}, {}}));
         QFile file(dir.filePath("list.csv"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), expected);

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QDate>
+#include <QDir>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QStyle>
@@ -9,6 +10,7 @@
 
 #include "accounts/grid_field.h"
 #include "database/ado.h"
+#include "runtime/runtime_error.h"
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "widgets/error_path.h"
@@ -29,6 +31,7 @@ constexpr int kLabelGap = 100;
 // Status bar panels beside the operator's name and post.
 constexpr int kCountPanel = 4;
 constexpr int kDonePanel = 5;
+constexpr int kNotReloadedPanel = 6;
 
 // Labels of the registration's boxes Text1(0..4).
 constexpr std::array<const char16_t*, 5> kAccountLabels{u"Qivo号", u"地   址", u"姓   名",
@@ -85,6 +88,7 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     Label1[0] = addHeading(design.title, {120, 0, 2400, kTitleHeight}, this);
     MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
+    MSFlexGrid1->setSelectionByRow(true);
     widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
     widgets::onEvent(FindBar1, &widgets::GridFindBar::openedOrClosed, this,
@@ -93,6 +97,7 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     StatusBar1->addPanel(0);
     StatusBar1->addPanel(2);
+    StatusBar1->addPanel(0);
     StatusBar1->installEventFilter(this);
     buildPanel();
     addExportAction();
@@ -149,10 +154,17 @@ void AccountScreen::addExportAction() {
     MSFlexGrid1->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
+// The action column, the one before the hidden key, is a link on the screen and no data.
 void AccountScreen::ExportList() {
-    widgets::exportGridCsv(
+    const QString path = widgets::exportGridCsv(
         *MSFlexGrid1, this,
-        design_.title + '-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd")) + ".csv");
+        design_.title + '-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd")) + ".csv",
+        {MSFlexGrid1->Cols() - 2});
+    if (!path.isEmpty()) {
+        StatusBar1->setPanelText(kDonePanel, QStringLiteral("已导出 %1 行：%2")
+                                                 .arg(groupThousands(MSFlexGrid1->Rows() - 1),
+                                                      QDir::toNativeSeparators(path)));
+    }
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const widgets::TwipsRect& place,
@@ -331,6 +343,7 @@ void AccountScreen::fillList(
     const auto showAgain = qScopeGuard([this, hadKeyboard] {
         MSFlexGrid1->setVisible(true);
         showListCount();
+        showCurrentLine(1);
         if (hadKeyboard) {
             MSFlexGrid1->setFocus();
         }
@@ -365,6 +378,27 @@ void AccountScreen::fillList(
 void AccountScreen::showListCount() {
     StatusBar1->setPanelText(kCountPanel,
                              design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)));
+    StatusBar1->setPanelText(kNotReloadedPanel, {});
+}
+
+void AccountScreen::showListNotReloaded(const std::exception& error) {
+    const auto* runtime = dynamic_cast<const runtime::RuntimeError*>(&error);
+    const QString why =
+        runtime != nullptr ? runtime->description() : QString::fromUtf8(error.what());
+    StatusBar1->setPanelText(kCountPanel,
+                             design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)) +
+                                 QStringLiteral("（未刷新）"));
+    StatusBar1->setPanelText(kNotReloadedPanel, QStringLiteral("列表未能刷新：") + why);
+}
+
+void AccountScreen::showCurrentLine(int line) {
+    if (MSFlexGrid1->Rows() < 2) {
+        return;
+    }
+    const int row = std::clamp(line, 1, MSFlexGrid1->Rows() - 1);
+    MSFlexGrid1->setRow(row);
+    MSFlexGrid1->setCol(MSFlexGrid1->FixedCols());
+    MSFlexGrid1->showRow(row);
 }
 
 QString AccountScreen::openedAccount() const {
@@ -401,7 +435,7 @@ void AccountScreen::openWideEnoughForList() {
 }
 
 void AccountScreen::openPanel(int row) {
-    opened_ = MSFlexGrid1->RowData(row);
+    opened_ = Opened{MSFlexGrid1->RowData(row), row};
     Picture1->setVisible(true);
     Picture1->raise();
 }
@@ -416,21 +450,27 @@ void AccountScreen::closePanel() {
 }
 
 qint32 AccountScreen::openedRegistration() const {
-    return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
+    return opened_ ? opened_->registration : MSFlexGrid1->RowData(MSFlexGrid1->Row());
 }
 
 bool AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
     // The header row shows no registration, so no colleague can have taken it.
     const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
+    // The line after the handled one takes its place and becomes the current one.
+    const int place = opened_ ? opened_->line : MSFlexGrid1->Row();
+    const auto reloadInPlace = [&] {
+        reloadList();
+        showCurrentLine(place);
+    };
     bool changed = false;
     try {
         changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
     } catch (const database::ConnectionLost&) {
         // The decision's fate is unknown: the list shows what the server holds.
-        reloadList();
+        reloadInPlace();
         throw;
     }
-    reloadList();
+    reloadInPlace();
     if (!changed && shown) {
         widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
                         widgets::vbInformation);

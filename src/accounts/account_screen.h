@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <array>
+#include <exception>
 #include <functional>
 #include <map>
 #include <optional>
@@ -66,7 +67,8 @@ class AccountScreen : public widgets::Form {
     void Image1_Click();
     void ClearAccountFields();
     void ClearOwnerFields();
-    // Ctrl+E: saves the list as shown to a CSV file the user names.
+    // Ctrl+E: saves the list as shown, but for its action column, to a CSV file the user names;
+    // the status bar says how many lines went to which file.
     void ExportList();
 
   protected:
@@ -87,6 +89,11 @@ class AccountScreen : public widgets::Form {
     // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
     void fillList(const QString& sql,
                   const std::function<void(int row, const database::Recordset&)>& finishRow);
+    // A list that could not be read again: the status bar says so, and that its count is old.
+    void showListNotReloaded(const std::exception& error);
+    // Makes `line` (or the nearest data line) the current one, drawn so and scrolled into view,
+    // where Enter and the arrow keys start.
+    void showCurrentLine(int line);
     // Shows the panel for list row `row`, whose registration the decisions then act on: the list
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
@@ -127,7 +134,12 @@ class AccountScreen : public widgets::Form {
 
     AccountScreenDesign design_;
     QFrame* panelPage_ = nullptr;
-    std::optional<qint32> opened_;
+    // The registration the open panel shows, and the list line it was opened from.
+    struct Opened {
+        qint32 registration;
+        int line;
+    };
+    std::optional<Opened> opened_;
 };
 
 // One column of a grid format string: alignment mark, header, and the blanks that widen it.

@@ -127,6 +127,11 @@ void FlexGrid::setFixedCols(int cols) {
     }
 }
 
+void FlexGrid::setSelectionByRow(bool byRow) {
+    byRow_ = byRow;
+    updateSelection();
+}
+
 QString FlexGrid::TextMatrix(int row, int col) const {
     checkCell(row, col);
     return model_->text(row, col);
@@ -448,8 +453,8 @@ void FlexGrid::updateSelection() {
         selection->clear();
         return;
     }
-    const int first = std::min(col_, colSel_);
-    const int last = std::max(col_, colSel_);
+    const int first = byRow_ ? 0 : std::min(col_, colSel_);
+    const int last = byRow_ ? Cols() - 1 : std::max(col_, colSel_);
     // Row and Col set from code leave the list where it is; only the user's own moves scroll it.
     const bool scrolls = hasAutoScroll();
     setAutoScroll(false);

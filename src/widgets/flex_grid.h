@@ -42,6 +42,9 @@ class FlexGrid final : public QTableView {
     // Columns 0 .. FixedCols()-1 are drawn grey like the header and never become current.
     int FixedCols() const { return fixedCols_; }
     void setFixedCols(int cols);
+    // By row, the current row is drawn selected across every column, whichever column is
+    // current; otherwise Col to ColSel of it.
+    void setSelectionByRow(bool byRow);
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
@@ -124,6 +127,7 @@ class FlexGrid final : public QTableView {
     int col_ = 0;
     int colSel_ = 0;
     int fixedCols_ = 0;
+    bool byRow_ = false;
     QStyledItemDelegate* fixedLook_ = nullptr;
     bool pressed_ = false;  // a left press on a cell that its release will make a Click
 };

@@ -19,7 +19,14 @@ SaveFileResponder& responder() {
     return instance;
 }
 
-QString csvField(const QString& text) {
+// A spreadsheet computes a cell that starts like a formula; the ' keeps it as typed.
+QString spreadsheetText(const QString& text) {
+    static const QString formulaStarts = QStringLiteral("=+-@");
+    return !text.isEmpty() && formulaStarts.contains(text.front()) ? u'\'' + text : text;
+}
+
+QString csvField(const QString& cell) {
+    const QString text = spreadsheetText(cell);
     if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') &&
         !text.contains(u'\r')) {
         return text;
@@ -41,12 +48,12 @@ QString askSaveFile(QWidget* window, const QString& proposedName) {
 
 }  // namespace
 
-QByteArray gridCsv(const FlexGrid& grid) {
+QByteArray gridCsv(const FlexGrid& grid, const QList<int>& leftOut) {
     std::vector<int> shown;
     const QHeaderView* header = grid.horizontalHeader();
     for (int visual = 0; visual < grid.Cols(); ++visual) {
         const int col = header->logicalIndex(visual);
-        if (grid.ColWidth(col) > 0) {
+        if (grid.ColWidth(col) > 0 && !leftOut.contains(col)) {
             shown.push_back(col);
         }
     }
@@ -65,17 +72,21 @@ void setSaveFileResponder(SaveFileResponder responder) {
     qivo::widgets::responder() = std::move(responder);
 }
 
-void exportGridCsv(const FlexGrid& grid, QWidget* window, const QString& proposedName) {
+QString exportGridCsv(const FlexGrid& grid, QWidget* window, const QString& proposedName,
+                      const QList<int>& leftOut) {
     const QString path = askSaveFile(window, proposedName);
     if (path.isEmpty()) {
-        return;
+        return {};
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(gridCsv(grid)) < 0 || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(gridCsv(grid, leftOut)) < 0 ||
+        !file.commit()) {
         MsgBox(QStringLiteral("列表未能导出：无法写入文件 %1（%2）。请换一个位置或文件名再试。")
                    .arg(QDir::toNativeSeparators(path), file.errorString()),
                vbInformation);
+        return {};
     }
+    return path;
 }
 
 }  // namespace qivo::widgets
