@@ -170,7 +170,8 @@ class LoginTest final : public QObject {
         const QString told = signIn.boxes.messages[0].prompt;
         for (const QString& part :
              {runtime::settingsLocation("Merivane", "DBConfig"), QString("Svr"), QString("UID"),
-              QString("PWD"), QString("DBname"), QString("qivo-review --check")}) {
+              QString("PWD"), QString("DBname"), QString("qivo-review --check"),
+              QString("qivo-demo-db")}) {
             QVERIFY2(told.contains(part), qPrintable(part));
         }
         QCOMPARE(signIn.ends.count, 2);

@@ -16,9 +16,11 @@
 #include "review/review_form.h"
 #include "runtime/end.h"
 #include "session/command_line.h"
+#include "session/connection.h"
 #include "session/login_form.h"
 #include "session/main_screen.h"
 #include "widgets/error_path.h"
+#include "widgets/msgbox.h"
 #include "widgets/screen_font.h"
 
 namespace {
@@ -83,6 +85,12 @@ int main(int argc, char** argv) {
                 qivo::widgets::reportError(error);
                 return 2;
             }
+        }
+        // A fresh install: what to set up is told before the sign-in form asks for anything.
+        if (qivo::readConnectionSettings().dataSource.isEmpty()) {
+            qivo::widgets::MsgBox(qivo::missingServerText(), qivo::widgets::vbInformation,
+                                  QStringLiteral("连接提示"));
+            return 1;
         }
         qivo::setCommand(commandLine);
         qivo::showMainScreen = [] { qivo::reviewForm().Show(); };
