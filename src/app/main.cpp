@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
     const auto ownerLaunch = qivo::app::startOwnerScreen(arguments);
     qivo::frmLogin login;
     if (!ownerLaunch) {
-        const QString commandLine = arguments.join(u' ');
+        const QString commandLine = qivo::sessionText(arguments);
         if (!commandLine.isEmpty()) {
             try {
                 qivo::commandLineFields(commandLine);
