@@ -7,7 +7,8 @@ MAKEFLAGS  += --no-print-directory
 QUIET_STEPS = grep --line-buffered -vE '^(\[ *[0-9]+%\] (Built target|Automatic (MOC|RCC|UIC) for)|-- )'
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite libqt6sql6-odbc unixodbc unixodbc-dev \
-              tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin
+              tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin \
+              qt6-translations-l10n
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 # The Windows build: mingw-w64 against a Windows SDK (Qt and SQLite built from Debian's sources),
@@ -15,7 +16,7 @@ DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 WIN_BUILD    ?= build-windows
 WIN_PACKAGES := g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine nsis zip cmake ninja-build \
                 qt6-base-dev-tools tdsodbc unixodbc librsvg2-bin \
-                fonts-noto-cjk
+                fonts-noto-cjk qt6-translations-l10n
 WIN_SDK_TAR  := ../shared/windows/qivo-windows-sdk.tar.xz
 WIN_SDK_HOME := build-windows-sdk
 WIN_SDK       = $${QIVO_WINDOWS_SDK:-$(CURDIR)/$(WIN_SDK_HOME)/qivo-windows-sdk}

@@ -1,13 +1,16 @@
 #include <QFile>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QSignalSpy>
+#include <QTreeView>
 #include <QWidget>
 
 #include "support/test_support.h"
 #include "widgets/flex_grid.h"
 #include "widgets/grid_export.h"
 #include "widgets/grid_find_bar.h"
+#include "widgets/qt_translations.h"
 
 using namespace qivo;
 using widgets::FlexGrid;
@@ -284,6 +287,21 @@ class TestPlatformGrid final : public QObject {
         QCOMPARE(asked, QStringList(3, QStringLiteral("名单.csv")));
         QCOMPARE(boxes.prompts().size(), 1);
         QVERIFY(boxes.prompts()[0].contains(QStringLiteral("folder.csv")));
+    }
+
+    // Qt's own texts are Chinese, and the save dialog has room for its dates.
+    void saveDialogInChineseWithRoomForDates() {
+        QVERIFY(widgets::loadQtTranslations(*QCoreApplication::instance()));
+        QVERIFY(QCoreApplication::translate("QFileDialog", "Look in:") != "Look in:");
+        Window list;
+        const auto dialog = widgets::saveFileDialog(&list.window, QStringLiteral("名单.csv"));
+        const auto* details = dialog->findChild<QTreeView*>();
+        if (details == nullptr) {
+            QSKIP("the system's own file dialog");
+        }
+        const QString date = QLocale::system().toString(
+            QDateTime(QDate(2026, 12, 28), QTime(23, 59)), QLocale::ShortFormat);
+        QVERIFY(details->header()->sectionSize(3) > details->fontMetrics().horizontalAdvance(date));
     }
 
   private:

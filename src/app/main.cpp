@@ -21,6 +21,7 @@
 #include "session/main_screen.h"
 #include "widgets/error_path.h"
 #include "widgets/msgbox.h"
+#include "widgets/qt_translations.h"
 #include "widgets/screen_font.h"
 
 namespace {
@@ -72,6 +73,7 @@ int main(int argc, char** argv) {
     releaseOwnConsole();
     qivo::widgets::Application app(argc, argv);
     app.setFont(qivo::widgets::screenFont(app.font()));
+    qivo::widgets::loadQtTranslations(app);
 
     QStringList arguments = app.arguments().mid(1);
     const auto ownerLaunch = qivo::app::startOwnerScreen(arguments);

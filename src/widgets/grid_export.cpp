@@ -3,8 +3,11 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QLocale>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <QTreeView>
+#include <algorithm>
 #include <utility>
 
 #include "widgets/flex_grid.h"
@@ -13,6 +16,9 @@
 namespace qivo::widgets {
 
 namespace {
+
+// Where the file dialog's details list shows the time a file was changed.
+constexpr int kDateColumn = 3;
 
 SaveFileResponder& responder() {
     static SaveFileResponder instance;
@@ -40,13 +46,30 @@ QString askSaveFile(QWidget* window, const QString& proposedName) {
     if (responder()) {
         return responder()(proposedName);
     }
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QFileDialog::getSaveFileName(window, QStringLiteral("导出列表"),
-                                        QDir(folder).filePath(proposedName),
-                                        QStringLiteral("CSV 文件 (*.csv)"));
+    const auto dialog = saveFileDialog(window, proposedName);
+    return dialog->exec() == QDialog::Accepted ? dialog->selectedFiles().value(0) : QString();
 }
 
 }  // namespace
+
+std::unique_ptr<QFileDialog> saveFileDialog(QWidget* window, const QString& proposedName) {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    auto dialog = std::make_unique<QFileDialog>(window, QStringLiteral("导出列表"),
+                                                QDir(folder).filePath(proposedName),
+                                                QStringLiteral("CSV 文件 (*.csv)"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    // Qt's own dialog, where the system has none, sizes its date column for English dates; the
+    // dates are written in the system's short form.
+    if (auto* details = dialog->findChild<QTreeView*>()) {
+        const QString latest = QLocale::system().toString(
+            QDateTime(QDate(2026, 12, 28), QTime(23, 59)), QLocale::ShortFormat);
+        const int needed =
+            details->fontMetrics().horizontalAdvance(latest + QStringLiteral("    "));
+        details->header()->resizeSection(
+            kDateColumn, std::max(details->header()->sectionSize(kDateColumn), needed));
+    }
+    return dialog;
+}
 
 QByteArray gridCsv(const FlexGrid& grid, const QList<int>& leftOut) {
     std::vector<int> shown;

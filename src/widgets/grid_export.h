@@ -4,7 +4,9 @@
 #include <QList>
 #include <QString>
 #include <functional>
+#include <memory>
 
+class QFileDialog;
 class QWidget;
 
 namespace qivo::widgets {
@@ -22,6 +24,9 @@ QByteArray gridCsv(const FlexGrid& grid, const QList<int>& leftOut = {});
 // Asks where to save, proposing `proposedName`; returns the chosen path, or empty text when the
 // user cancels.
 using SaveFileResponder = std::function<QString(const QString& proposedName)>;
+
+// The dialog that asks where to save, `proposedName` offered, with room for its dates.
+std::unique_ptr<QFileDialog> saveFileDialog(QWidget* window, const QString& proposedName);
 
 // Replaces the file dialog (tests choose the path with it); an empty function restores it.
 void setSaveFileResponder(SaveFileResponder responder);
