@@ -2,6 +2,7 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTreeView>
 #include <QWidget>
@@ -287,6 +288,45 @@ class TestPlatformGrid final : public QObject {
         QCOMPARE(asked, QStringList(3, QStringLiteral("名单.csv")));
         QCOMPARE(boxes.prompts().size(), 1);
         QVERIFY(boxes.prompts()[0].contains(QStringLiteral("folder.csv")));
+    }
+
+    // Columns that give way narrow, the widest first and group after group, so that the last
+    // column stays in view; they widen again as the list grows, and keep their own widths.
+    void givingWayKeepsTheLastColumnInView() {
+        QWidget window;
+        FlexGrid grid(&window);
+        grid.setFormatString(QStringLiteral("<序|<地址|<项目|<号码|^操作"));
+        const QList<int> twips{600, 4500, 3000, 3000, 900};
+        for (int col = 0; col < grid.Cols(); ++col) {
+            grid.setColWidth(col, twips[col]);
+        }
+        fill(grid, 3);
+        grid.setGivingWay({{1, 2}, {3}});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const auto widths = [&grid] {
+            QList<int> pixels;
+            for (int col = 0; col < grid.Cols(); ++col) {
+                pixels << grid.columnWidth(col);
+            }
+            return pixels;
+        };
+        const auto lastInView = [&grid] {
+            return grid.viewport()->rect().contains(grid.cellRect(1, 4));
+        };
+        grid.resize(1000, 200);
+        QCOMPARE(widths(), QList<int>({40, 300, 200, 200, 60}));
+        const int fits = 800 + 2 * grid.frameWidth() + grid.verticalScrollBar()->sizeHint().width();
+        grid.resize(fits - 80, 200);
+        QCOMPARE(widths(), QList<int>({40, 220, 200, 200, 60}));  // the widest alone gave way
+        QVERIFY(lastInView());
+        grid.resize(fits - 400, 200);
+        QVERIFY(widths()[3] < 200);
+        QVERIFY(widths()[1] == widths()[2] && widths()[2] < 100);
+        QVERIFY(lastInView());
+        QCOMPARE(grid.ColWidth(1), 4500);
+        grid.resize(1000, 200);
+        QCOMPARE(widths(), QList<int>({40, 300, 200, 200, 60}));
     }
 
     // Qt's own texts are Chinese, and the save dialog has room for its dates.

@@ -27,6 +27,8 @@ constexpr int kGridFooter = 150;  // between the list grid and the status bar
 constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
+// How much narrower a box of the detail panel may become on a small screen.
+constexpr int kMostBoxCut = 1800;
 
 // Status bar panels beside the operator's name and post.
 constexpr int kCountPanel = 4;
@@ -89,6 +91,9 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
     MSFlexGrid1->setSelectionByRow(true);
+    // On a small screen or at a large scale the estate and the address give way first, then the
+    // registration's numbers, so that the action column stays in view.
+    MSFlexGrid1->setGivingWay({{1, 2}, {3, 5, 6}});
     widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
     widgets::onEvent(FindBar1, &widgets::GridFindBar::openedOrClosed, this,
@@ -125,8 +130,8 @@ bool AccountScreen::focusNextPrevChild(bool next) {
         return widgets::Form::focusNextPrevChild(next);
     }
     std::vector<QWidget*> ring{MSFlexGrid1};
-    for (QWidget* w = panelPage_->nextInFocusChain(); w != panelPage_; w = w->nextInFocusChain()) {
-        if (panelPage_->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
+    for (QWidget* w = Picture1->nextInFocusChain(); w != Picture1; w = w->nextInFocusChain()) {
+        if (Picture1->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
             (w->focusPolicy() & Qt::TabFocus) != 0) {
             ring.push_back(w);
         }
@@ -184,7 +189,7 @@ QLabel* AccountScreen::addHeading(const QString& text, const widgets::TwipsRect&
 }
 
 void AccountScreen::buildPanel() {
-    Picture1 = new QScrollArea(this);
+    Picture1 = new PanelArea(this);
     Picture1->setFrameShape(QFrame::NoFrame);
     Picture1->setFocusPolicy(Qt::NoFocus);
     panelPage_ = new QFrame;
@@ -194,6 +199,11 @@ void AccountScreen::buildPanel() {
         "y1:0, x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
     widgets::setTwipsGeometry(panelPage_, design_.panel);
     Picture1->setWidget(panelPage_);
+    buttonBar_ = new QFrame(Picture1);
+    buttonBar_->setObjectName(QStringLiteral("Picture1Buttons"));
+    buttonBar_->setStyleSheet(QStringLiteral(
+        "QFrame#Picture1Buttons { border: 1px solid #7a8ca5; background: #dfe9f5; }"));
+    buttonBar_->hide();
     widgets::setTwipsGeometry(Picture1, design_.panel);
     const int closeSize = 360;
     Image1 = new widgets::ImageButton(
@@ -258,12 +268,20 @@ void AccountScreen::Form_Resize() {
     apply(width - design_.gridMargin, grid.width);
     widgets::setTwipsGeometry(MSFlexGrid1, grid);
 
+    // A panel too large for the list scrolls up and down only, its scroll bar beside the page,
+    // its buttons kept in reach below it; a page wider than the list narrows its boxes.
     widgets::TwipsRect panel = widgets::twipsGeometry(Picture1);
-    panel.width = std::min(design_.panel.width, grid.width);
     panel.height = std::min(design_.panel.height, grid.height);
+    const bool scrolls = panel.height < design_.panel.height || design_.panel.width > grid.width;
+    const int scrollBar =
+        scrolls ? widgets::pixelsToTwips(Picture1->verticalScrollBar()->sizeHint().width()) : 0;
+    const int cut = std::clamp(design_.panel.width + scrollBar - grid.width, 0, kMostBoxCut * 2);
+    panel.width = std::min(design_.panel.width - cut + scrollBar, grid.width);
     apply(grid.top + (grid.height - panel.height) / 2, panel.top);
     apply(grid.left + (grid.width - panel.width) / 2, panel.left);
     widgets::setTwipsGeometry(Picture1, panel);
+    narrowPanelPage(cut);
+    keepPanelButtonsInReach(scrolls);
 
     widgets::TwipsRect refresh = widgets::twipsGeometry(Command4);
     widgets::TwipsRect exit = widgets::twipsGeometry(Command5);
@@ -271,6 +289,81 @@ void AccountScreen::Form_Resize() {
     apply(width - exit.width - design_.exitMargin, exit.left);
     widgets::setTwipsGeometry(Command4, refresh);
     widgets::setTwipsGeometry(Command5, exit);
+}
+
+// Each column of boxes gives half of `cut`: its boxes narrow by that much and the owner's column
+// moves left by it; what spans both columns narrows by all of it, and the close image keeps to
+// the right edge.
+void AccountScreen::narrowPanelPage(int cut) {
+    if (pagePlaces_.empty()) {
+        for (QWidget* child : panelPage_->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+            const bool button =
+                std::any_of(panelButtons_.begin(), panelButtons_.end(),
+                            [child](const PanelButton& b) { return b.button == child; });
+            if (!button) {
+                pagePlaces_.emplace_back(child, widgets::twipsGeometry(child));
+            }
+        }
+    }
+    const int half = cut / 2;
+    const int ownerLeft = design_.ownerFields.x();
+    const auto isBox = [this](const QWidget* widget) {
+        return std::find(Text1.begin(), Text1.end(), widget) != Text1.end() ||
+               std::find(Text2.begin(), Text2.end(), widget) != Text2.end();
+    };
+    for (auto [widget, place] : pagePlaces_) {
+        if (widget == Image1) {
+            place.left -= cut;
+        } else if (place.left >= ownerLeft) {
+            place.left -= half;
+            place.width -= isBox(widget) ? half : 0;
+        } else if (place.left + place.width > ownerLeft) {
+            place.width -= cut;
+        } else if (isBox(widget)) {
+            place.width -= half;
+        }
+        widgets::setTwipsGeometry(widget, place);
+    }
+    widgets::TwipsRect page = design_.panel;
+    page.width -= cut;
+    widgets::setTwipsGeometry(panelPage_, page);
+}
+
+void AccountScreen::setPanelButtons(std::vector<QPushButton*> buttons) {
+    panelButtons_.clear();
+    for (QPushButton* button : buttons) {
+        panelButtons_.push_back({button, button->geometry()});
+    }
+}
+
+// While the page scrolls, its buttons stand in a bar below it, in their design order from the
+// left; otherwise they are in their design places on the page.
+void AccountScreen::keepPanelButtonsInReach(bool pageScrolls) {
+    if (panelButtons_.empty()) {
+        return;
+    }
+    constexpr int kBarGap = 4;
+    int barHeight = 0;
+    for (const PanelButton& button : panelButtons_) {
+        barHeight = std::max(barHeight, button.designPlace.height() + 2 * kBarGap);
+    }
+    buttonBar_->setVisible(pageScrolls);
+    Picture1->setBottomRoom(pageScrolls ? barHeight : 0);
+    buttonBar_->setGeometry(0, Picture1->height() - barHeight, Picture1->width(), barHeight);
+    int left = kBarGap;
+    for (const PanelButton& button : panelButtons_) {
+        QWidget* home = pageScrolls ? buttonBar_ : panelPage_;
+        if (button.button->parentWidget() != home) {
+            button.button->setParent(home);
+            button.button->show();
+        }
+        if (pageScrolls) {
+            button.button->setGeometry({QPoint(left, kBarGap), button.designPlace.size()});
+            left += button.designPlace.width() + kBarGap;
+        } else {
+            button.button->setGeometry(button.designPlace);
+        }
+    }
 }
 
 // The status bar keeps to the bottom edge at its own height.

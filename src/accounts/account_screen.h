@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <vector>
 
 #include "widgets/flex_grid.h"
 #include "widgets/form.h"
@@ -52,7 +53,13 @@ class AccountScreen : public widgets::Form {
     QPushButton* Command5 = nullptr;
     // The detail panel: its own design size where the list leaves room for it, scrolling
     // over a smaller list (a small screen at a large scale).
-    QScrollArea* Picture1 = nullptr;
+    // A scroll area that keeps room below its page for the panel's buttons.
+    class PanelArea final : public QScrollArea {
+      public:
+        using QScrollArea::QScrollArea;
+        void setBottomRoom(int pixels) { setViewportMargins(0, 0, 0, pixels); }
+    };
+    PanelArea* Picture1 = nullptr;
     widgets::ImageButton* Image1 = nullptr;
     std::array<widgets::TextBox*, 5> Text1{};
     std::array<widgets::TextBox*, 11> Text2{};
@@ -110,6 +117,8 @@ class AccountScreen : public widgets::Form {
     // the server answered, the list is reloaded all the same and the reviewer is told that the
     // decision's fate is unknown.
     bool decide(const QString& sql, const std::function<void()>& reloadList);
+    // The panel's buttons, in their design places on the page, kept in reach while it scrolls.
+    void setPanelButtons(std::vector<QPushButton*> buttons);
     // The status bar keeps to the bottom edge whenever its height changes.
     bool eventFilter(QObject* watched, QEvent* event) override;
     // The panel's controls go on this page.
@@ -129,11 +138,22 @@ class AccountScreen : public widgets::Form {
     // widths: of the label, then of the box.
     widgets::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
+    void keepPanelButtonsInReach(bool pageScrolls);
+    void narrowPanelPage(int cut);
     void addExportAction();
     void showListCount();
 
+    struct PanelButton {
+        QPushButton* button;
+        QRect designPlace;
+    };
+
     AccountScreenDesign design_;
     QFrame* panelPage_ = nullptr;
+    QFrame* buttonBar_ = nullptr;
+    std::vector<PanelButton> panelButtons_;
+    // The page's other controls in their design places.
+    std::vector<std::pair<QWidget*, widgets::TwipsRect>> pagePlaces_;
     // The registration the open panel shows, and the list line it was opened from.
     struct Opened {
         qint32 registration;

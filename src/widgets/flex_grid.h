@@ -74,6 +74,12 @@ class FlexGrid final : public QTableView {
     // A trailing '|' adds a last untitled column.
     void setFormatString(const QString& format);
 
+    // Groups of columns that give way, group after group, when the shown columns are wider than
+    // the list beside its vertical scroll bar, so that the columns after them stay in view: within
+    // a group the widest narrows first, none below its header or four characters. They widen again,
+    // up to their own width, as the list grows; a cut cell shows its text as its tool tip.
+    void setGivingWay(std::vector<std::vector<int>> groups);
+
     // Data rows with a shown cell (of a column wider than 0) that contains `text`; Latin letters
     // match in either case.
     std::vector<int> rowsContaining(const QString& text) const;
@@ -96,6 +102,7 @@ class FlexGrid final : public QTableView {
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -117,11 +124,16 @@ class FlexGrid final : public QTableView {
     void applyColumnWidth(int col);
     void applyColumnWidths();
     void rememberUserWidth(int col, int pixels);
+    void giveWay();
+    // Sheds up to `excess` pixels from the group's columns; returns what it shed.
+    int narrowGroup(const std::vector<int>& group, int excess);
+    int narrowestPixels(int col) const;
 
     std::unique_ptr<FlexGridModel> model_;
     QString formatString_;
     std::vector<int> widths_;        // twips; 0 hides the column
     std::vector<int> formatWidths_;  // twips, as the format string gave them
+    std::vector<std::vector<int>> givingWay_;
     bool applyingWidths_ = false;
     int row_ = 0;
     int col_ = 0;
