@@ -103,7 +103,8 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
 }
 
 void OwnerLaunch::refuse(const QString& reason) {
-    std::fprintf(stderr, "qivo-review: %s\n", qPrintable(reason));
+    // UTF-8, as the opener reads it: the system's own code page would lose the Chinese.
+    std::fputs(QStringLiteral("qivo-review: %1\n").arg(reason).toUtf8().constData(), stderr);
     exitStatus_ = 2;
     runtime::End();
 }
