@@ -53,6 +53,17 @@ int checkWindows() {
             check(button->visibleRegion().boundingRect() == button->rect(), screen,
                   "button out of view");
         }
+        // However narrow the page, its labels, boxes and headings keep clear of each other.
+        const QWidget* page = screen.Picture1->widget();
+        const QList<QWidget*> controls = page->findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        for (const QWidget* control : controls) {
+            check(!control->geometry().isEmpty() && page->rect().contains(control->geometry()),
+                  screen, "a control off its page");
+            for (const QWidget* other : controls) {
+                check(control == other || !control->geometry().intersects(other->geometry()),
+                      screen, "controls overlap");
+            }
+        }
         check(screen.Picture1->horizontalScrollBar()->maximum() == 0 &&
                   (onPanel == nullptr || onPanel->horizontalScrollBar()->maximum() == 0),
               screen, "panel scrolls sideways");

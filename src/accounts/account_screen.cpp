@@ -301,32 +301,33 @@ void AccountScreen::narrowPanelPage(int cut) {
                 std::any_of(panelButtons_.begin(), panelButtons_.end(),
                             [child](const PanelButton& b) { return b.button == child; });
             if (!button) {
-                pagePlaces_.emplace_back(child, widgets::twipsGeometry(child));
+                pagePlaces_.emplace_back(child, child->geometry());
             }
         }
     }
-    const int half = cut / 2;
-    const int ownerLeft = design_.ownerFields.x();
+    // In pixels, as the controls were placed: a design place in twips may fall between two.
+    const int all = widgets::twipsToPixels(cut + widgets::kTwipsPerPixel - 1);
+    const int half = all / 2;
+    const int ownerLeft = widgets::twipsToPixels(design_.ownerFields.x());
     const auto isBox = [this](const QWidget* widget) {
         return std::find(Text1.begin(), Text1.end(), widget) != Text1.end() ||
                std::find(Text2.begin(), Text2.end(), widget) != Text2.end();
     };
     for (auto [widget, place] : pagePlaces_) {
         if (widget == Image1) {
-            place.left -= cut;
-        } else if (place.left >= ownerLeft) {
-            place.left -= half;
-            place.width -= isBox(widget) ? half : 0;
-        } else if (place.left + place.width > ownerLeft) {
-            place.width -= cut;
+            place.translate(-all, 0);
+        } else if (place.left() >= ownerLeft) {
+            place.translate(-half, 0);
+            place.setWidth(place.width() - (isBox(widget) ? half : 0));
+        } else if (place.right() >= ownerLeft) {
+            place.setWidth(place.width() - all);
         } else if (isBox(widget)) {
-            place.width -= half;
+            place.setWidth(place.width() - half);
         }
-        widgets::setTwipsGeometry(widget, place);
+        widget->setGeometry(place);
     }
-    widgets::TwipsRect page = design_.panel;
-    page.width -= cut;
-    widgets::setTwipsGeometry(panelPage_, page);
+    panelPage_->resize(widgets::twipsToPixels(design_.panel.width) - all,
+                       widgets::twipsToPixels(design_.panel.height));
 }
 
 void AccountScreen::setPanelButtons(std::vector<QPushButton*> buttons) {

@@ -153,7 +153,7 @@ class AccountScreen : public widgets::Form {
     QFrame* buttonBar_ = nullptr;
     std::vector<PanelButton> panelButtons_;
     // The page's other controls in their design places.
-    std::vector<std::pair<QWidget*, widgets::TwipsRect>> pagePlaces_;
+    std::vector<std::pair<QWidget*, QRect>> pagePlaces_;
     // The registration the open panel shows, and the list line it was opened from.
     struct Opened {
         qint32 registration;
