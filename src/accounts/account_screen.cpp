@@ -10,7 +10,6 @@
 
 #include "accounts/grid_field.h"
 #include "database/ado.h"
-#include "runtime/runtime_error.h"
 #include "session/connection.h"
 #include "session/session_values.h"
 #include "widgets/error_path.h"
@@ -469,20 +468,19 @@ void AccountScreen::fillList(
     }
 }
 
+QString AccountScreen::listCount() const {
+    return design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1));
+}
+
 void AccountScreen::showListCount() {
-    StatusBar1->setPanelText(kCountPanel,
-                             design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)));
+    StatusBar1->setPanelText(kCountPanel, listCount());
     StatusBar1->setPanelText(kNotReloadedPanel, {});
 }
 
 void AccountScreen::showListNotReloaded(const std::exception& error) {
-    const auto* runtime = dynamic_cast<const runtime::RuntimeError*>(&error);
-    const QString why =
-        runtime != nullptr ? runtime->description() : QString::fromUtf8(error.what());
-    StatusBar1->setPanelText(kCountPanel,
-                             design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)) +
-                                 QStringLiteral("（未刷新）"));
-    StatusBar1->setPanelText(kNotReloadedPanel, QStringLiteral("列表未能刷新：") + why);
+    StatusBar1->setPanelText(kCountPanel, listCount() + QStringLiteral("（未刷新）"));
+    StatusBar1->setPanelText(kNotReloadedPanel,
+                             QStringLiteral("列表未能刷新：") + widgets::errorDescription(error));
 }
 
 void AccountScreen::showCurrentLine(int line) {

@@ -52,8 +52,8 @@ class AccountScreen : public widgets::Form {
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;
     // The detail panel: its own design size where the list leaves room for it, scrolling
-    // over a smaller list (a small screen at a large scale).
-    // A scroll area that keeps room below its page for the panel's buttons.
+    // over a smaller list (a small screen at a large scale) with room below its page for the
+    // panel's buttons.
     class PanelArea final : public QScrollArea {
       public:
         using QScrollArea::QScrollArea;
@@ -142,6 +142,7 @@ class AccountScreen : public widgets::Form {
     void narrowPanelPage(int cut);
     void addExportAction();
     void showListCount();
+    QString listCount() const;
 
     struct PanelButton {
         QPushButton* button;
