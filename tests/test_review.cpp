@@ -102,8 +102,11 @@ class TestReview final : public QObject {
         QCOMPARE(form->StatusBar1->panelText(4), QString("待审核 4 条"));
         QVERIFY(grid.isVisible());
         QVERIFY(!form->Picture1->isVisible());
-        // The first line is drawn as current, and Enter opens it.
+        // The first line is drawn as current; the arrow keys and Enter start from it.
         QCOMPARE(test::shownCurrentRow(grid), 1);
+        QTest::keyClick(&grid, Qt::Key_Down);
+        QCOMPARE(test::shownCurrentRow(grid), 2);
+        QTest::keyClick(&grid, Qt::Key_Up);
         QTest::keyClick(&grid, Qt::Key_Return);
         QCOMPARE(form->Text1[2]->text(), QString("赵六"));
 
