@@ -11,7 +11,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 BABELFISH_PACKAGES := libicu72 libxml2 libssl3 libuuid1 zlib1g libstdc++6
 PACKAGES   := cmake g++ make qt6-base-dev libqt6sql6-sqlite unixodbc unixodbc-dev \
               tdsodbc libsqlite3-dev fonts-noto-cjk xvfb xauth dpkg-dev file librsvg2-bin \
-              $(BABELFISH_PACKAGES)
+              qt6-translations-l10n $(BABELFISH_PACKAGES)
 CONFIG_DIR  = $${XDG_CONFIG_HOME:-$$HOME/.config}
 DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 # The Windows build: mingw-w64 against a Windows SDK (Qt and SQLite built from Debian's sources),
@@ -19,7 +19,7 @@ DEMO_DB     = $${XDG_DATA_HOME:-$$HOME/.local/share}/qivo/demo.db
 WIN_BUILD    ?= build-windows
 WIN_PACKAGES := g++-mingw-w64-x86-64-posix mingw-w64-tools wine64 wine nsis zip cmake ninja-build \
                 qt6-base-dev-tools tdsodbc unixodbc librsvg2-bin \
-                fonts-noto-cjk
+                fonts-noto-cjk qt6-translations-l10n
 WIN_SDK_TAR  := ../shared/windows/qivo-windows-sdk.tar.xz
 WIN_SDK_HOME := build-windows-sdk
 WIN_SDK       = $${QIVO_WINDOWS_SDK:-$(CURDIR)/$(WIN_SDK_HOME)/qivo-windows-sdk}

@@ -25,6 +25,14 @@ foreach(plugin ${QIVO_WINDOWS_PLUGINS} ${QIVO_WINDOWS_TEST_PLUGINS})
   file(COPY "${QIVO_WINDOWS_SDK}/qt/plugins/${plugin}" DESTINATION "${CMAKE_BINARY_DIR}/${folder}")
 endforeach()
 
+# Qt's own texts in Chinese: Debian's translation of the same Qt version (qt6-translations-l10n),
+# in translations/ beside the program, where it looks first.
+set(QIVO_QT_CHINESE /usr/share/qt6/translations/qtbase_zh_CN.qm)
+if(NOT EXISTS ${QIVO_QT_CHINESE})
+  message(FATAL_ERROR "${QIVO_QT_CHINESE} is missing: install qt6-translations-l10n")
+endif()
+file(COPY ${QIVO_QT_CHINESE} DESTINATION "${CMAKE_BINARY_DIR}/translations")
+
 set(QIVO_ICON "${CMAKE_SOURCE_DIR}/packaging/windows/qivo-review.ico")
 function(qivo_windows_resource target description)
   set(QIVO_TARGET ${target})

@@ -43,6 +43,7 @@ class TestAppOwner final : public QObject {
     void screenHandsBackTheOwnersKey() {
         test::FixtureDb db;
         db.exec("insert into 业主表 (ZH_ID, S_ID, 姓名) values (4, 1, '周九')");
+        db.exec("insert into 室表 (S_ID, 室) values (31, '101'), (32, '102')");
         QString shownName;
         QStringList arguments{"qivo-review", "a,b", "--owner", "4"};
         QCOMPARE(
@@ -79,7 +80,8 @@ class TestAppOwner final : public QObject {
 
     // --help and --version answer on standard output; an unknown option is refused with the
     // usage instead of being taken for a session; an owner key that is missing, no number or not
-    // in 业主表 is refused on standard error. Only --version leaves the settings unnamed.
+    // in 业主表, or a room not in 室表, is refused on standard error. Only --version leaves the
+    // settings unnamed.
     void programOptions_data() {
         QTest::addColumn<QStringList>("options");
         QTest::addColumn<int>("status");
@@ -92,11 +94,14 @@ class TestAppOwner final : public QObject {
                                 << namesSettings;
         };
         row("help", {"1001,王丽", "--help"}, 0, "--new-owner S_ID", "", true);
+        row("-h", {"-h"}, 0, "--new-owner S_ID", "", true);
         row("version", {"1001,王丽", "--version"}, 0, "1.0\n", "", false);
+        row("-v", {"-v"}, 0, "1.0\n", "", false);
         row("unknown", {"1001,王丽", "--bogus"}, 2, "", "未知选项 --bogus", true);
         row("no value", {"--owner"}, 2, "", "--owner", false);
         row("not a number", {"--new-owner", "12;drop"}, 2, "", "--new-owner", false);
-        row("no owner row", {"--owner", "77"}, 2, "", "77", false);
+        row("no owner row", {"--owner", "77"}, 2, "", "业主表中没有编号为 77 的业主", false);
+        row("no room row", {"--new-owner", "0"}, 2, "", "室表中没有编号为 0 的房间", false);
     }
     void programOptions() {
         QFETCH(QStringList, options);

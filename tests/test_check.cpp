@@ -40,6 +40,16 @@ class CheckTest final : public QObject {
         QVERIFY(report.contains(runtime::settingsLocation("Merivane", "DBConfig")));
     }
 
+    // Without a server in the settings nothing is tried: the report says so and where to set it.
+    void noServerIsToldWithoutConnecting() {
+        runtime::SaveSetting("Merivane", "DBConfig", "Svr", "");
+        QString report;
+        QTextStream out(&report);
+        QCOMPARE(check::checkWorkstation(out), int(check::NoConnection));
+        QVERIFY2(report.contains("结果       ✗ Svr 未设置"), qPrintable(report));
+        QVERIFY(report.contains("四项设置：Svr"));
+    }
+
     void faultsAreNamed_data() {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("server");

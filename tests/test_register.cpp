@@ -91,6 +91,7 @@ class TestRegister final : public QObject {
         QCOMPARE(form->StatusBar1->panelText(2), QString("李强"));
         QCOMPARE(form->StatusBar1->panelText(3), QString());  // a session without a post
         QCOMPARE(form->StatusBar1->panelText(4), QString("已审核 4 户"));
+        QCOMPARE(test::shownCurrentRow(grid), 1);
     }
 
     void openingShowsOwnerAndMemberAccounts() {
@@ -156,6 +157,7 @@ class TestRegister final : public QObject {
         QCOMPARE(form->StatusBar1->panelText(4), QString("已审核 3 户"));
         QCOMPARE(form->StatusBar1->panelText(5),
                  QString("已终止：王建国 10栋101室，连同名下成员账号 3 个"));
+        QCOMPARE(test::shownCurrentRow(*form->MSFlexGrid1), 3);  // the last line went
 
         // Household 2 has no member accounts: one question, one delete.
         messages->messages.clear();
@@ -164,6 +166,7 @@ class TestRegister final : public QObject {
         QCOMPARE(messages->prompts(), QStringList({"确认要终止这个Qivo账号"}));
         QCOMPARE(accounts(), 4);
         QCOMPARE(form->StatusBar1->panelText(5), QString("已终止：李娜 2栋1001"));
+        QCOMPARE(test::shownCurrentRow(*form->MSFlexGrid1), 2);
     }
 
     void failingDeleteLeavesEveryAccount() {

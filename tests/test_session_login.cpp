@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QListWidget>
+#include <QProcess>
 #include <QPushButton>
 #include <memory>
 
@@ -170,7 +171,8 @@ class LoginTest final : public QObject {
         const QString told = signIn.boxes.messages[0].prompt;
         for (const QString& part :
              {runtime::settingsLocation("Merivane", "DBConfig"), QString("Svr"), QString("UID"),
-              QString("PWD"), QString("DBname"), QString("qivo-review --check")}) {
+              QString("PWD"), QString("DBname"), QString("qivo-review --check"),
+              QString("qivo-demo-db")}) {
             QVERIFY2(told.contains(part), qPrintable(part));
         }
         QCOMPARE(signIn.ends.count, 2);
@@ -195,6 +197,26 @@ class LoginTest final : public QObject {
 
         QCOMPARE(test::errorOf([] { commandLineFields("1,2,3,4,5,6,7,8,9"); }).number(),
                  runtime::err::SubscriptOutOfRange);
+    }
+
+    // The session text as the calling program passed it: on Windows the command line after the
+    // program's name with its quotes and blanks, elsewhere the arguments joined by one blank.
+    void sessionTextAsPassed() {
+        QCOMPARE(afterProgramName(R"("C:\Program Files\Qivo账号审核\q.exe"  "1001,王丽"  x)"),
+                 QString(R"("1001,王丽"  x)"));
+        QCOMPARE(afterProgramName("q.exe\t 1001,王丽, ,x "), QString("1001,王丽, ,x "));
+        QCOMPARE(afterProgramName(R"("q.exe")") + afterProgramName("q.exe"), QString());
+        QProcess process;
+#ifdef Q_OS_WIN
+        const QString expected = R"("1001,王 丽"  ,KF,"客服""中心" )";
+        process.setNativeArguments(expected);
+        process.start(qEnvironmentVariable("QIVO_SESSION_TEXT"), {});
+#else
+        const QString expected = "1001,王 丽  ,KF";
+        process.start(qEnvironmentVariable("QIVO_SESSION_TEXT"), {"1001,王 丽", "", ",KF"});
+#endif
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()), expected);
     }
 };
 

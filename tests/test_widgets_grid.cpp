@@ -1,13 +1,17 @@
 #include <QFile>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QTreeView>
 #include <QWidget>
 
 #include "support/test_support.h"
 #include "widgets/flex_grid.h"
 #include "widgets/grid_export.h"
 #include "widgets/grid_find_bar.h"
+#include "widgets/qt_translations.h"
 
 using namespace qivo;
 using widgets::FlexGrid;
@@ -246,18 +250,23 @@ class TestPlatformGrid final : public QObject {
         QCOMPARE(list.bar->result(), QString());
     }
 
-    // The file holds the shown columns in their shown order, without the hidden key or the row
-    // data; a file that cannot be written is reported, a cancelled dialog writes nothing.
+    // The file holds the shown columns in their shown order, without the hidden key, the
+    // columns left out or the row data; text a spreadsheet would compute stays text. A file that
+    // cannot be written is reported, a cancelled dialog writes nothing; only a written file's path
+    // comes back.
     void exportWritesTheGridAsShown() {
         Window list;
         list.grid->setTextMatrix(1, 1, QStringLiteral("张\"三\""));
-        list.grid->setTextMatrix(2, 3, QStringLiteral("138,139"));
+        list.grid->setTextMatrix(1, 3, QStringLiteral("-5"));
+        list.grid->setTextMatrix(2, 1, QStringLiteral("=1+2"));
+        list.grid->setTextMatrix(2, 3, QStringLiteral("+86 138,139"));
         list.grid->setTextMatrix(3, 1, QStringLiteral("陈\r\n明"));
+        list.grid->setTextMatrix(3, 3, QStringLiteral("@13800000003"));
         list.grid->setRows(4);
         list.grid->horizontalHeader()->moveSection(3, 1);
         const QByteArray expected(
-            "\xEF\xBB\xBF序,手机,姓名,Qivo号\r\n1,13800000001,\"张\"\"三\"\"\",zs01\r\n"
-            "2,\"138,139\",王丽,wl02\r\n3,13800000003,\"陈\r\n明\",Qivo_AB\r\n");
+            "\xEF\xBB\xBF序,手机,姓名\r\n1,'-5,\"张\"\"三\"\"\"\r\n"
+            "2,\"'+86 138,139\",'=1+2\r\n3,'@13800000003,\"陈\r\n明\"\r\n");
         QTemporaryDir dir;
         QStringList asked;
         QStringList paths{dir.filePath("list.csv"), dir.filePath("no/such/folder.csv"), {}};
@@ -266,16 +275,73 @@ class TestPlatformGrid final : public QObject {
             return paths.takeFirst();
         });
         test::MsgBoxRecorder boxes;
+        QStringList written;
         for (int i = 0; i < 3; ++i) {
-            widgets::exportGridCsv(*list.grid, &list.window, QStringLiteral("名单.csv"));
+            written << widgets::exportGridCsv(*list.grid, &list.window, QStringLiteral("名单.csv"),
+                                              {2});
         }
         widgets::setSaveFileResponder({});
+        QCOMPARE(written, QStringList({dir.filePath("list.csv"), {}, {}}));
         QFile file(dir.filePath("list.csv"));
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), expected);
         QCOMPARE(asked, QStringList(3, QStringLiteral("名单.csv")));
         QCOMPARE(boxes.prompts().size(), 1);
         QVERIFY(boxes.prompts()[0].contains(QStringLiteral("folder.csv")));
+    }
+
+    // Columns that give way narrow, the widest first and group after group, so that the last
+    // column stays in view; they widen again as the list grows, and keep their own widths.
+    void givingWayKeepsTheLastColumnInView() {
+        QWidget window;
+        FlexGrid grid(&window);
+        grid.setFormatString(QStringLiteral("<序|<地址|<项目|<号码|^操作"));
+        const QList<int> twips{600, 4500, 3000, 3000, 900};
+        for (int col = 0; col < grid.Cols(); ++col) {
+            grid.setColWidth(col, twips[col]);
+        }
+        fill(grid, 3);
+        grid.setGivingWay({{1, 2}, {3}});
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const auto widths = [&grid] {
+            QList<int> pixels;
+            for (int col = 0; col < grid.Cols(); ++col) {
+                pixels << grid.columnWidth(col);
+            }
+            return pixels;
+        };
+        const auto lastInView = [&grid] {
+            return grid.viewport()->rect().contains(grid.cellRect(1, 4));
+        };
+        grid.resize(1000, 200);
+        QCOMPARE(widths(), QList<int>({40, 300, 200, 200, 60}));
+        const int fits = 800 + 2 * grid.frameWidth() + grid.verticalScrollBar()->sizeHint().width();
+        grid.resize(fits - 80, 200);
+        QCOMPARE(widths(), QList<int>({40, 220, 200, 200, 60}));  // the widest alone gave way
+        QVERIFY(lastInView());
+        grid.resize(fits - 400, 200);
+        QVERIFY(widths()[3] < 200);
+        QVERIFY(widths()[1] == widths()[2] && widths()[2] < 100);
+        QVERIFY(lastInView());
+        QCOMPARE(grid.ColWidth(1), 4500);
+        grid.resize(1000, 200);
+        QCOMPARE(widths(), QList<int>({40, 300, 200, 200, 60}));
+    }
+
+    // Qt's own texts are Chinese, and the save dialog has room for its dates.
+    void saveDialogInChineseWithRoomForDates() {
+        QVERIFY(widgets::loadQtTranslations(*QCoreApplication::instance()));
+        QVERIFY(QCoreApplication::translate("QFileDialog", "Look in:") != "Look in:");
+        Window list;
+        const auto dialog = widgets::saveFileDialog(&list.window, QStringLiteral("名单.csv"));
+        const auto* details = dialog->findChild<QTreeView*>();
+        if (details == nullptr) {
+            QSKIP("the system's own file dialog");
+        }
+        const QString date = QLocale::system().toString(
+            QDateTime(QDate(2026, 12, 28), QTime(23, 59)), QLocale::ShortFormat);
+        QVERIFY(details->header()->sectionSize(3) > details->fontMetrics().horizontalAdvance(date));
     }
 
   private:

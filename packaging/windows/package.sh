@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Lays out the Windows program folder and packs it twice: a setup program (NSIS) and a zip.
 #   package.sh BUILD_DIR VERSION DLL... -- PLUGIN...
+# with Qt's translations from BUILD_DIR/translations.
 # run in the Windows SDK: DLLs are named from there, plugins from its qt/plugins.
 set -euo pipefail
 build=$1 version=$2
@@ -21,6 +22,7 @@ for plugin in "$@"; do
   mkdir -p "$folder/$(dirname "$plugin")"
   $strip -o "$folder/$plugin" "qt/plugins/$plugin"
 done
+cp -r "$build/translations" "$folder/"
 (cd "$build" && zip -qr "$name.zip" "$name")
 here=$(dirname "$(realpath "$0")")
 makensis -V2 -INPUTCHARSET UTF8 -DVERSION="$version" -DFOLDER="$(realpath "$folder")" \

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QDate>
+#include <QDir>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QStyle>
@@ -25,10 +26,13 @@ constexpr int kGridFooter = 150;  // between the list grid and the status bar
 constexpr int kRowStep = 450;
 constexpr int kBoxHeight = 330;
 constexpr int kLabelGap = 100;
+// How much narrower a box of the detail panel may become on a small screen.
+constexpr int kMostBoxCut = 1800;
 
 // Status bar panels beside the operator's name and post.
 constexpr int kCountPanel = 4;
 constexpr int kDonePanel = 5;
+constexpr int kNotReloadedPanel = 6;
 
 // Labels of the registration's boxes Text1(0..4).
 constexpr std::array<const char16_t*, 5> kAccountLabels{u"Qivo号", u"地   址", u"姓   名",
@@ -85,6 +89,10 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     Label1[0] = addHeading(design.title, {120, 0, 2400, kTitleHeight}, this);
     MSFlexGrid1 = new widgets::FlexGrid(this);
     MSFlexGrid1->setFormatString(design.listFormat);
+    MSFlexGrid1->setSelectionByRow(true);
+    // On a small screen or at a large scale the estate and the address give way first, then the
+    // registration's numbers, so that the action column stays in view.
+    MSFlexGrid1->setGivingWay({{1, 2}, {3, 5, 6}});
     widgets::setTwipsGeometry(MSFlexGrid1, {90, kTitleHeight, 12000, 6000});
     FindBar1 = new widgets::GridFindBar(MSFlexGrid1, this);
     widgets::onEvent(FindBar1, &widgets::GridFindBar::openedOrClosed, this,
@@ -93,6 +101,7 @@ AccountScreen::AccountScreen(const AccountScreenDesign& design, QWidget* parent)
     StatusBar1->setPanelText(1, QStringLiteral("操作员"));
     StatusBar1->addPanel(0);
     StatusBar1->addPanel(2);
+    StatusBar1->addPanel(0);
     StatusBar1->installEventFilter(this);
     buildPanel();
     addExportAction();
@@ -120,8 +129,8 @@ bool AccountScreen::focusNextPrevChild(bool next) {
         return widgets::Form::focusNextPrevChild(next);
     }
     std::vector<QWidget*> ring{MSFlexGrid1};
-    for (QWidget* w = panelPage_->nextInFocusChain(); w != panelPage_; w = w->nextInFocusChain()) {
-        if (panelPage_->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
+    for (QWidget* w = Picture1->nextInFocusChain(); w != Picture1; w = w->nextInFocusChain()) {
+        if (Picture1->isAncestorOf(w) && w->isVisibleTo(this) && w->isEnabled() &&
             (w->focusPolicy() & Qt::TabFocus) != 0) {
             ring.push_back(w);
         }
@@ -149,10 +158,17 @@ void AccountScreen::addExportAction() {
     MSFlexGrid1->setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
+// The action column, the one before the hidden key, is a link on the screen and no data.
 void AccountScreen::ExportList() {
-    widgets::exportGridCsv(
+    const QString path = widgets::exportGridCsv(
         *MSFlexGrid1, this,
-        design_.title + '-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd")) + ".csv");
+        design_.title + '-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd")) + ".csv",
+        {MSFlexGrid1->Cols() - 2});
+    if (!path.isEmpty()) {
+        StatusBar1->setPanelText(kDonePanel, QStringLiteral("已导出 %1 行：%2")
+                                                 .arg(groupThousands(MSFlexGrid1->Rows() - 1),
+                                                      QDir::toNativeSeparators(path)));
+    }
 }
 
 QLabel* AccountScreen::addLabel(const QString& text, const widgets::TwipsRect& place,
@@ -172,7 +188,7 @@ QLabel* AccountScreen::addHeading(const QString& text, const widgets::TwipsRect&
 }
 
 void AccountScreen::buildPanel() {
-    Picture1 = new QScrollArea(this);
+    Picture1 = new PanelArea(this);
     Picture1->setFrameShape(QFrame::NoFrame);
     Picture1->setFocusPolicy(Qt::NoFocus);
     panelPage_ = new QFrame;
@@ -182,6 +198,11 @@ void AccountScreen::buildPanel() {
         "y1:0, x2:0, y2:1, stop:0 #f4f8fd, stop:1 #dfe9f5); }"));
     widgets::setTwipsGeometry(panelPage_, design_.panel);
     Picture1->setWidget(panelPage_);
+    buttonBar_ = new QFrame(Picture1);
+    buttonBar_->setObjectName(QStringLiteral("Picture1Buttons"));
+    buttonBar_->setStyleSheet(QStringLiteral(
+        "QFrame#Picture1Buttons { border: 1px solid #7a8ca5; background: #dfe9f5; }"));
+    buttonBar_->hide();
     widgets::setTwipsGeometry(Picture1, design_.panel);
     const int closeSize = 360;
     Image1 = new widgets::ImageButton(
@@ -246,12 +267,20 @@ void AccountScreen::Form_Resize() {
     apply(width - design_.gridMargin, grid.width);
     widgets::setTwipsGeometry(MSFlexGrid1, grid);
 
+    // A panel too large for the list scrolls up and down only, its scroll bar beside the page,
+    // its buttons kept in reach below it; a page wider than the list narrows its boxes.
     widgets::TwipsRect panel = widgets::twipsGeometry(Picture1);
-    panel.width = std::min(design_.panel.width, grid.width);
     panel.height = std::min(design_.panel.height, grid.height);
+    const bool scrolls = panel.height < design_.panel.height || design_.panel.width > grid.width;
+    const int scrollBar =
+        scrolls ? widgets::pixelsToTwips(Picture1->verticalScrollBar()->sizeHint().width()) : 0;
+    const int cut = std::clamp(design_.panel.width + scrollBar - grid.width, 0, kMostBoxCut * 2);
+    panel.width = std::min(design_.panel.width - cut + scrollBar, grid.width);
     apply(grid.top + (grid.height - panel.height) / 2, panel.top);
     apply(grid.left + (grid.width - panel.width) / 2, panel.left);
     widgets::setTwipsGeometry(Picture1, panel);
+    narrowPanelPage(cut);
+    keepPanelButtonsInReach(scrolls);
 
     widgets::TwipsRect refresh = widgets::twipsGeometry(Command4);
     widgets::TwipsRect exit = widgets::twipsGeometry(Command5);
@@ -259,6 +288,82 @@ void AccountScreen::Form_Resize() {
     apply(width - exit.width - design_.exitMargin, exit.left);
     widgets::setTwipsGeometry(Command4, refresh);
     widgets::setTwipsGeometry(Command5, exit);
+}
+
+// Each column of boxes gives half of `cut`: its boxes narrow by that much and the owner's column
+// moves left by it; what spans both columns narrows by all of it, and the close image keeps to
+// the right edge.
+void AccountScreen::narrowPanelPage(int cut) {
+    if (pagePlaces_.empty()) {
+        for (QWidget* child : panelPage_->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+            const bool button =
+                std::any_of(panelButtons_.begin(), panelButtons_.end(),
+                            [child](const PanelButton& b) { return b.button == child; });
+            if (!button) {
+                pagePlaces_.emplace_back(child, child->geometry());
+            }
+        }
+    }
+    // In pixels, as the controls were placed: a design place in twips may fall between two.
+    const int all = widgets::twipsToPixels(cut + widgets::kTwipsPerPixel - 1);
+    const int half = all / 2;
+    const int ownerLeft = widgets::twipsToPixels(design_.ownerFields.x());
+    const auto isBox = [this](const QWidget* widget) {
+        return std::find(Text1.begin(), Text1.end(), widget) != Text1.end() ||
+               std::find(Text2.begin(), Text2.end(), widget) != Text2.end();
+    };
+    for (auto [widget, place] : pagePlaces_) {
+        if (widget == Image1) {
+            place.translate(-all, 0);
+        } else if (place.left() >= ownerLeft) {
+            place.translate(-half, 0);
+            place.setWidth(place.width() - (isBox(widget) ? half : 0));
+        } else if (place.right() >= ownerLeft) {
+            place.setWidth(place.width() - all);
+        } else if (isBox(widget)) {
+            place.setWidth(place.width() - half);
+        }
+        widget->setGeometry(place);
+    }
+    panelPage_->resize(widgets::twipsToPixels(design_.panel.width) - all,
+                       widgets::twipsToPixels(design_.panel.height));
+}
+
+void AccountScreen::setPanelButtons(std::vector<QPushButton*> buttons) {
+    panelButtons_.clear();
+    for (QPushButton* button : buttons) {
+        panelButtons_.push_back({button, button->geometry()});
+    }
+}
+
+// While the page scrolls, its buttons stand in a bar below it, in their design order from the
+// left; otherwise they are in their design places on the page.
+void AccountScreen::keepPanelButtonsInReach(bool pageScrolls) {
+    if (panelButtons_.empty()) {
+        return;
+    }
+    constexpr int kBarGap = 4;
+    int barHeight = 0;
+    for (const PanelButton& button : panelButtons_) {
+        barHeight = std::max(barHeight, button.designPlace.height() + 2 * kBarGap);
+    }
+    buttonBar_->setVisible(pageScrolls);
+    Picture1->setBottomRoom(pageScrolls ? barHeight : 0);
+    buttonBar_->setGeometry(0, Picture1->height() - barHeight, Picture1->width(), barHeight);
+    int left = kBarGap;
+    for (const PanelButton& button : panelButtons_) {
+        QWidget* home = pageScrolls ? buttonBar_ : panelPage_;
+        if (button.button->parentWidget() != home) {
+            button.button->setParent(home);
+            button.button->show();
+        }
+        if (pageScrolls) {
+            button.button->setGeometry({QPoint(left, kBarGap), button.designPlace.size()});
+            left += button.designPlace.width() + kBarGap;
+        } else {
+            button.button->setGeometry(button.designPlace);
+        }
+    }
 }
 
 // The status bar keeps to the bottom edge at its own height.
@@ -331,6 +436,7 @@ void AccountScreen::fillList(
     const auto showAgain = qScopeGuard([this, hadKeyboard] {
         MSFlexGrid1->setVisible(true);
         showListCount();
+        showCurrentLine(1);
         if (hadKeyboard) {
             MSFlexGrid1->setFocus();
         }
@@ -362,9 +468,29 @@ void AccountScreen::fillList(
     }
 }
 
+QString AccountScreen::listCount() const {
+    return design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1));
+}
+
 void AccountScreen::showListCount() {
-    StatusBar1->setPanelText(kCountPanel,
-                             design_.countText.arg(groupThousands(MSFlexGrid1->Rows() - 1)));
+    StatusBar1->setPanelText(kCountPanel, listCount());
+    StatusBar1->setPanelText(kNotReloadedPanel, {});
+}
+
+void AccountScreen::showListNotReloaded(const std::exception& error) {
+    StatusBar1->setPanelText(kCountPanel, listCount() + QStringLiteral("（未刷新）"));
+    StatusBar1->setPanelText(kNotReloadedPanel,
+                             QStringLiteral("列表未能刷新：") + widgets::errorDescription(error));
+}
+
+void AccountScreen::showCurrentLine(int line) {
+    if (MSFlexGrid1->Rows() < 2) {
+        return;
+    }
+    const int row = std::clamp(line, 1, MSFlexGrid1->Rows() - 1);
+    MSFlexGrid1->setRow(row);
+    MSFlexGrid1->setCol(MSFlexGrid1->FixedCols());
+    MSFlexGrid1->showRow(row);
 }
 
 QString AccountScreen::openedAccount() const {
@@ -408,7 +534,7 @@ void AccountScreen::openWideEnoughForList() {
 }
 
 void AccountScreen::openPanel(int row) {
-    opened_ = MSFlexGrid1->RowData(row);
+    opened_ = Opened{MSFlexGrid1->RowData(row), row};
     Picture1->setVisible(true);
     Picture1->raise();
 }
@@ -423,21 +549,27 @@ void AccountScreen::closePanel() {
 }
 
 qint32 AccountScreen::openedRegistration() const {
-    return opened_.value_or(MSFlexGrid1->RowData(MSFlexGrid1->Row()));
+    return opened_ ? opened_->registration : MSFlexGrid1->RowData(MSFlexGrid1->Row());
 }
 
 bool AccountScreen::decide(const QString& sql, const std::function<void()>& reloadList) {
     // The header row shows no registration, so no colleague can have taken it.
     const bool shown = opened_.has_value() || MSFlexGrid1->Row() > 0;
+    // The line after the handled one takes its place and becomes the current one.
+    const int place = opened_ ? opened_->line : MSFlexGrid1->Row();
+    const auto reloadInPlace = [&] {
+        reloadList();
+        showCurrentLine(place);
+    };
     bool changed = false;
     try {
         changed = Connection::cn().Execute(sql, database::adEveryStatementChanges) > 0;
     } catch (const database::ConnectionLost&) {
         // The decision's fate is unknown: the list shows what the server holds.
-        reloadList();
+        reloadInPlace();
         throw;
     }
-    reloadList();
+    reloadInPlace();
     if (!changed && shown) {
         widgets::MsgBox(QStringLiteral("该Qivo账号已由他人处理，列表已刷新"),
                         widgets::vbInformation);

@@ -5,9 +5,11 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <array>
+#include <exception>
 #include <functional>
 #include <map>
 #include <optional>
+#include <vector>
 
 #include "widgets/flex_grid.h"
 #include "widgets/form.h"
@@ -50,8 +52,14 @@ class AccountScreen : public widgets::Form {
     QPushButton* Command4 = nullptr;
     QPushButton* Command5 = nullptr;
     // The detail panel: its own design size where the list leaves room for it, scrolling
-    // over a smaller list (a small screen at a large scale).
-    QScrollArea* Picture1 = nullptr;
+    // over a smaller list (a small screen at a large scale) with room below its page for the
+    // panel's buttons.
+    class PanelArea final : public QScrollArea {
+      public:
+        using QScrollArea::QScrollArea;
+        void setBottomRoom(int pixels) { setViewportMargins(0, 0, 0, pixels); }
+    };
+    PanelArea* Picture1 = nullptr;
     widgets::ImageButton* Image1 = nullptr;
     std::array<widgets::TextBox*, 5> Text1{};
     std::array<widgets::TextBox*, 11> Text2{};
@@ -66,7 +74,8 @@ class AccountScreen : public widgets::Form {
     void Image1_Click();
     void ClearAccountFields();
     void ClearOwnerFields();
-    // Ctrl+E: saves the list as shown to a CSV file the user names.
+    // Ctrl+E: saves the list as shown, but for its action column, to a CSV file the user names;
+    // the status bar says how many lines went to which file.
     void ExportList();
 
   protected:
@@ -87,6 +96,11 @@ class AccountScreen : public widgets::Form {
     // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
     void fillList(const QString& sql,
                   const std::function<void(int row, const database::Recordset&)>& finishRow);
+    // A list that could not be read again: the status bar says so, and that its count is old.
+    void showListNotReloaded(const std::exception& error);
+    // Makes `line` (or the nearest data line) the current one, drawn so and scrolled into view,
+    // where Enter and the arrow keys start.
+    void showCurrentLine(int line);
     // Shows the panel for list row `row`, whose registration the decisions then act on: the list
     // beside the panel stays live, so its current row may move on meanwhile.
     void openPanel(int row);
@@ -105,6 +119,8 @@ class AccountScreen : public widgets::Form {
     // the server answered, the list is reloaded all the same and the reviewer is told that the
     // decision's fate is unknown.
     bool decide(const QString& sql, const std::function<void()>& reloadList);
+    // The panel's buttons, in their design places on the page, kept in reach while it scrolls.
+    void setPanelButtons(std::vector<QPushButton*> buttons);
     // The status bar keeps to the bottom edge whenever its height changes.
     bool eventFilter(QObject* watched, QEvent* event) override;
     // The panel's controls go on this page.
@@ -124,12 +140,29 @@ class AccountScreen : public widgets::Form {
     // widths: of the label, then of the box.
     widgets::TextBox* addField(const QString& label, QPoint origin, int line, QSize widths);
     void dockStatusBar();
+    void keepPanelButtonsInReach(bool pageScrolls);
+    void narrowPanelPage(int cut);
     void addExportAction();
     void showListCount();
+    QString listCount() const;
+
+    struct PanelButton {
+        QPushButton* button;
+        QRect designPlace;
+    };
 
     AccountScreenDesign design_;
     QFrame* panelPage_ = nullptr;
-    std::optional<qint32> opened_;
+    QFrame* buttonBar_ = nullptr;
+    std::vector<PanelButton> panelButtons_;
+    // The page's other controls in their design places.
+    std::vector<std::pair<QWidget*, QRect>> pagePlaces_;
+    // The registration the open panel shows, and the list line it was opened from.
+    struct Opened {
+        qint32 registration;
+        int line;
+    };
+    std::optional<Opened> opened_;
 };
 
 // One column of a grid format string: alignment mark, header, and the blanks that widen it.

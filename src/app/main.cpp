@@ -16,9 +16,12 @@
 #include "review/review_form.h"
 #include "runtime/end.h"
 #include "session/command_line.h"
+#include "session/connection.h"
 #include "session/login_form.h"
 #include "session/main_screen.h"
 #include "widgets/error_path.h"
+#include "widgets/msgbox.h"
+#include "widgets/qt_translations.h"
 #include "widgets/screen_font.h"
 
 namespace {
@@ -70,12 +73,13 @@ int main(int argc, char** argv) {
     releaseOwnConsole();
     qivo::widgets::Application app(argc, argv);
     app.setFont(qivo::widgets::screenFont(app.font()));
+    qivo::widgets::loadQtTranslations(app);
 
     QStringList arguments = app.arguments().mid(1);
     const auto ownerLaunch = qivo::app::startOwnerScreen(arguments);
     qivo::frmLogin login;
     if (!ownerLaunch) {
-        const QString commandLine = arguments.join(u' ');
+        const QString commandLine = qivo::sessionText(arguments);
         if (!commandLine.isEmpty()) {
             try {
                 qivo::commandLineFields(commandLine);
@@ -83,6 +87,12 @@ int main(int argc, char** argv) {
                 qivo::widgets::reportError(error);
                 return 2;
             }
+        }
+        // A fresh install: what to set up is told before the sign-in form asks for anything.
+        if (qivo::readConnectionSettings().dataSource.isEmpty()) {
+            qivo::widgets::MsgBox(qivo::missingServerText(), qivo::widgets::vbInformation,
+                                  QStringLiteral("连接提示"));
+            return 1;
         }
         qivo::setCommand(commandLine);
         qivo::showMainScreen = [] { qivo::reviewForm().Show(); };

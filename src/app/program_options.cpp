@@ -30,8 +30,8 @@ QString usage() {
                "  --new-owner S_ID   为房间 S_ID 新建业主，关闭时输出新业主的 ZH_ID=<键>\n"
                "  --check            检查本机的设置、ODBC 驱动、登录和程序用到的表和列\n"
                "                     （退出码 0 齐全，1 有缺，2 连不上）\n"
-               "  --help             显示本说明\n"
-               "  --version          显示版本\n"
+               "  -h, --help         显示本说明\n"
+               "  -v, --version      显示版本\n"
                "\n"
                "数据库连接设置（程序只读不写）：\n") +
            connectionSettingsHelp() + '\n';
@@ -45,11 +45,12 @@ bool isKnownOption(const QString& argument) {
 }  // namespace
 
 std::optional<int> answerInformationOptions(const QStringList& arguments) {
-    if (arguments.contains(QStringLiteral("--help"))) {
+    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
         writeConsole(stdout, usage());
         return 0;
     }
-    if (arguments.contains(QStringLiteral("--version"))) {
+    if (arguments.contains(QStringLiteral("--version")) ||
+        arguments.contains(QStringLiteral("-v"))) {
         writeConsole(stdout, version());
         return 0;
     }

@@ -91,6 +91,12 @@ int checkWorkstation(QTextStream& out) {
     out << "Qivo账号审核 工作站检查\n";
     printSettings(out, settings);
     out.flush();
+    if (settings.dataSource.isEmpty()) {
+        out << "连接       " << kNo << " Svr 未设置，未尝试连接\n"
+            << connectionSettingsHelp() << '\n';
+        out << "结果       " << kNo << " Svr 未设置\n";
+        return NoConnection;
+    }
 
     database::AdoConnection connection;
     Connection::prepareConnection(

@@ -24,11 +24,23 @@ bool isDecimalKey(const QString& text) {
     return decimal.match(text).hasMatch();
 }
 
-// A screen for a key with no owner row would show an empty owner as if stored.
-bool ownerExists(const QString& ownerKey) {
-    database::Recordset owner;
-    owner.Open(owner_sql::ownerQuery(ownerKey), Connection::cn());
-    return !owner.Eof();
+bool anyRow(const QString& sql) {
+    database::Recordset rows;
+    rows.Open(sql, Connection::cn());
+    return !rows.Eof();
+}
+
+// A screen for a key with no owner row would show an empty owner as if stored; one for a room
+// that does not exist would store an owner nobody lives with.
+QString refusalOf(const QString& option, const QString& key) {
+    if (option == kOwnerOption) {
+        return anyRow(owner_sql::ownerQuery(key))
+                   ? QString()
+                   : QStringLiteral("业主表中没有编号为 %1 的业主").arg(key);
+    }
+    return anyRow(QStringLiteral("Select S_ID From 室表 Where S_ID=") + key)
+               ? QString()
+               : QStringLiteral("室表中没有编号为 %1 的房间").arg(key);
 }
 
 }  // namespace
@@ -73,16 +85,14 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
         runtime::End();
         return launch;
     }
-    if (option == kOwnerOption) {
-        try {
-            if (!ownerExists(value)) {
-                launch->refuse(QStringLiteral("业主表中没有编号为 %1 的业主").arg(value));
-                return launch;
-            }
-        } catch (const runtime::RuntimeError& error) {
-            launch->refuse(error.description());
+    try {
+        if (const QString refusal = refusalOf(option, value); !refusal.isEmpty()) {
+            launch->refuse(refusal);
             return launch;
         }
+    } catch (const runtime::RuntimeError& error) {
+        launch->refuse(error.description());
+        return launch;
     }
     if (option == kOwnerOption) {
         launch->open(value, {});
@@ -93,7 +103,8 @@ std::unique_ptr<OwnerLaunch> OwnerLaunch::fromArguments(QStringList& arguments,
 }
 
 void OwnerLaunch::refuse(const QString& reason) {
-    std::fprintf(stderr, "qivo-review: %s\n", qPrintable(reason));
+    // UTF-8, as the opener reads it: the system's own code page would lose the Chinese.
+    std::fputs(QStringLiteral("qivo-review: %1\n").arg(reason).toUtf8().constData(), stderr);
     exitStatus_ = 2;
     runtime::End();
 }

@@ -42,8 +42,8 @@ class OwnerLaunch final {
     // Takes "--owner ZH_ID" (a stored owner) or "--new-owner S_ID" (a new owner of that room)
     // out of arguments. Returns null when neither is there; otherwise connects to the database
     // and shows the screen, whose key goes to keyOut on unload. Without a database, without a
-    // number after the option, or with an owner key that 业主表 does not hold, the program ends
-    // instead, the key's refusal told on standard error.
+    // number after the option, or with an owner key that 业主表 or a room key that 室表 does not
+    // hold, the program ends instead, the key's refusal told on standard error.
     static std::unique_ptr<OwnerLaunch> fromArguments(QStringList& arguments,
                                                       std::unique_ptr<QIODevice> keyOut);
 

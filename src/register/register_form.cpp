@@ -33,7 +33,8 @@ void frmQivo账号一览表::Form_Load() {
     LoadApprovedList();
 }
 
-// A list that cannot be read keeps what it showed, without a message.
+// A list that cannot be read keeps what it showed, without a message; the status bar says that
+// it is old.
 void frmQivo账号一览表::LoadApprovedList() {
     closePanel();
     try {
@@ -46,8 +47,8 @@ void frmQivo账号一览表::LoadApprovedList() {
                      MSFlexGrid1->setCellForeColor(kBlue);
                      MSFlexGrid1->setCol(0);
                  });
-    } catch (const std::exception&) {
-        return;
+    } catch (const std::exception& error) {
+        showListNotReloaded(error);
     }
 }
 

@@ -54,10 +54,13 @@ void frmQivo账号一览表::buildMemberArea() {
     MSFlexGrid2 = new widgets::FlexGrid(panelPage());
     MSFlexGrid2->setFormatString(memberFormat());
     widgets::setTwipsGeometry(MSFlexGrid2, {300, 6480, 11400, 1455});
+    // On a narrowed panel the widest columns give way, so that the list never scrolls sideways.
+    MSFlexGrid2->setGivingWay({{1, 3}});
     Command1 = new QPushButton(QStringLiteral("终止"), panelPage());
     widgets::setTwipsGeometry(Command1, {3150, 8055, 1470, 450});
     Command2 = new QPushButton(QStringLiteral("关闭"), panelPage());
     widgets::setTwipsGeometry(Command2, {7680, 8055, 1470, 450});
+    setPanelButtons({Command1, Command2});
 
     // Termination deletes the accounts, hence the delete key.
     widgets::giveKeys(Command1, {Qt::CTRL | Qt::Key_Delete});

@@ -29,7 +29,8 @@ void frmQivo账号审核::Form_Unload() {
     runtime::End();
 }
 
-// A list that cannot be read keeps what it showed, without a message.
+// A list that cannot be read keeps what it showed, without a message; the status bar says that
+// it is old.
 void frmQivo账号审核::LoadPendingList() {
     closePanel();
     try {
@@ -38,8 +39,8 @@ void frmQivo账号审核::LoadPendingList() {
             MSFlexGrid1->setCol(kReviewCol);
             MSFlexGrid1->setCellForeColor(kBlue);
         });
-    } catch (const std::exception&) {
-        return;
+    } catch (const std::exception& error) {
+        showListNotReloaded(error);
     }
 }
 

@@ -59,6 +59,7 @@ void frmQivo账号审核::buildButtons() {
     widgets::setTwipsGeometry(Command1, {3100, 4200, 1470, 450});
     Command2 = pictureButton(QStyle::SP_DialogCancelButton, QStringLiteral("关闭"), panelPage());
     widgets::setTwipsGeometry(Command2, {4800, 4200, 555, 450});
+    setPanelButtons({Command3, Command1, Command2});
 
     // Approval and rejection by keyboard; rejection deletes the registration.
     widgets::giveKeys(Command3, {Qt::CTRL | Qt::Key_Enter, Qt::CTRL | Qt::Key_Return});

@@ -2,6 +2,10 @@
 
 #include "runtime/runtime_error.h"
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 namespace qivo {
 namespace {
 
@@ -15,6 +19,33 @@ QString Command() {
 
 void setCommand(const QString& text) {
     commandText = text;
+}
+
+QString afterProgramName(const QString& commandLine) {
+    const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    qsizetype at = 0;
+    const qsizetype size = commandLine.size();
+    if (size > 0 && commandLine[0] == u'"') {
+        at = commandLine.indexOf(u'"', 1);
+        at = at < 0 ? size : at + 1;
+    } else {
+        while (at < size && !isBlank(commandLine[at])) {
+            ++at;
+        }
+    }
+    while (at < size && isBlank(commandLine[at])) {
+        ++at;
+    }
+    return commandLine.mid(at);
+}
+
+QString sessionText(const QStringList& arguments) {
+#ifdef Q_OS_WIN
+    Q_UNUSED(arguments);
+    return afterProgramName(QString::fromWCharArray(GetCommandLineW()));
+#else
+    return arguments.join(u' ');
+#endif
 }
 
 QStringList commandLineFields(const QString& text) {

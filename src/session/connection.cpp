@@ -73,14 +73,23 @@ QString connectionSettingsHelp() {
            "DBname（数据库名）";
 }
 
+QString missingServerText() {
+#ifdef Q_OS_WIN
+    const QString demo =
+        QStringLiteral("程序文件夹中的 qivo-demo-db.exe --out %USERPROFILE%\\qivo-demo.db");
+#else
+    const QString demo = QStringLiteral("qivo-demo-db --out ~/qivo-demo.db");
+#endif
+    return "没有数据库连接设置：设置中没有服务器（Svr）。\n\n" + connectionSettingsHelp() +
+           "\n\n请系统管理员写好这四项设置，再运行 qivo-review --check 检查连接。\n\n"
+           "没有服务器也可先试用：运行 " +
+           demo + "，它写出一个演示数据库，并把 Svr 指向它。";
+}
+
 bool ConnectDatabase() {
     ConnectionSettings settings = readConnectionSettings();
     if (settings.dataSource.isEmpty()) {
-        widgets::MsgBox("没有数据库连接设置：设置中没有服务器（Svr）。\n\n" +
-                            connectionSettingsHelp() +
-                            "\n\n请系统管理员写好这四项设置，再运行 qivo-review --check "
-                            "检查连接。",
-                        widgets::vbInformation, "连接提示");
+        widgets::MsgBox(missingServerText(), widgets::vbInformation, "连接提示");
         return false;
     }
     if (!Connection::OpenConnection(settings.userId, settings.password, settings.catalog,

@@ -46,6 +46,10 @@ ConnectionSettings readConnectionSettings();
 // a workstation: two lines.
 QString connectionSettingsHelp();
 
+// What a workstation without a server in its settings is told: where the settings are read
+// from, the four keys, the check to run once they are written, and how to try the demo database.
+QString missingServerText();
+
 // Reads the four connection settings and opens the shared connection; on failure shows
 // "数据库连接失败!" and returns false. Without a server in the settings it says where they are
 // read from instead, and does not try.

@@ -17,12 +17,16 @@ void showError(const QString& heading, const QString& description) {
 }  // namespace
 
 void reportError(const std::exception& error) {
-    if (const auto* runtime = dynamic_cast<const runtime::RuntimeError*>(&error)) {
-        showError(QStringLiteral("运行时错误 '%1'").arg(runtime->number()), runtime->description());
-    } else {
-        // Errors from the libraries carry no error number, only their text.
-        showError(QStringLiteral("运行时错误"), QString::fromUtf8(error.what()));
-    }
+    const auto* runtime = dynamic_cast<const runtime::RuntimeError*>(&error);
+    // Errors from the libraries carry no error number, only their text.
+    showError(runtime != nullptr ? QStringLiteral("运行时错误 '%1'").arg(runtime->number())
+                                 : QStringLiteral("运行时错误"),
+              errorDescription(error));
+}
+
+QString errorDescription(const std::exception& error) {
+    const auto* runtime = dynamic_cast<const runtime::RuntimeError*>(&error);
+    return runtime != nullptr ? runtime->description() : QString::fromUtf8(error.what());
 }
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {

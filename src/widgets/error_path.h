@@ -10,6 +10,9 @@ namespace qivo::widgets {
 // The common error path: one message box with the error's number and description.
 void reportError(const std::exception& error);
 
+// An error's description as the common error path shows it.
+QString errorDescription(const std::exception& error);
+
 // Runs one event handler; whatever it throws goes to the common error path, so the program
 // keeps running and the handler's remaining steps do not happen.
 template <class Handler>

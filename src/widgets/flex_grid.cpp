@@ -4,6 +4,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QStringList>
 #include <QStyle>
 #include <QStyledItemDelegate>
@@ -127,6 +128,11 @@ void FlexGrid::setFixedCols(int cols) {
     }
 }
 
+void FlexGrid::setSelectionByRow(bool byRow) {
+    byRow_ = byRow;
+    updateSelection();
+}
+
 QString FlexGrid::TextMatrix(int row, int col) const {
     checkCell(row, col);
     return model_->text(row, col);
@@ -161,6 +167,17 @@ void FlexGrid::setColWidth(int col, int twips) {
     checkCell(0, col);
     widths_[static_cast<std::size_t>(col)] = std::max(twips, 0);
     applyColumnWidth(col);
+    giveWay();
+}
+
+void FlexGrid::setGivingWay(std::vector<std::vector<int>> groups) {
+    for (const std::vector<int>& group : groups) {
+        for (const int col : group) {
+            checkCell(0, col);
+        }
+    }
+    givingWay_ = std::move(groups);
+    giveWay();
 }
 
 int FlexGrid::ColAlignment(int col) const {
@@ -322,6 +339,11 @@ void FlexGrid::showEvent(QShowEvent* event) {
     }
 }
 
+void FlexGrid::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    giveWay();
+}
+
 void FlexGrid::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
@@ -457,8 +479,8 @@ void FlexGrid::updateSelection() {
         selection->clear();
         return;
     }
-    const int first = std::min(col_, colSel_);
-    const int last = std::max(col_, colSel_);
+    const int first = byRow_ ? 0 : std::min(col_, colSel_);
+    const int last = byRow_ ? Cols() - 1 : std::max(col_, colSel_);
     // Row and Col set from code leave the list where it is; only the user's own moves scroll it.
     const bool scrolls = hasAutoScroll();
     setAutoScroll(false);
@@ -490,6 +512,88 @@ void FlexGrid::applyColumnWidths() {
     for (int col = 0; col < Cols(); ++col) {
         applyColumnWidth(col);
     }
+    giveWay();
+}
+
+// The vertical scroll bar's room is kept whether it shows or not, so that a longer list does
+// not push the last column out of view.
+void FlexGrid::giveWay() {
+    if (!model_->isLive() || givingWay_.empty()) {
+        return;
+    }
+    // Columns that do not give way are as wide as the header lets them be.
+    int shown = 0;
+    for (int col = 0; col < Cols(); ++col) {
+        if (!isColumnHidden(col)) {
+            shown += std::max(twipsToPixels(widths_[static_cast<std::size_t>(col)]),
+                              horizontalHeader()->minimumSectionSize());
+        }
+    }
+    const int room = width() - 2 * frameWidth() - verticalScrollBar()->sizeHint().width();
+    int excess = shown - room;
+    applyingWidths_ = true;
+    for (const std::vector<int>& group : givingWay_) {
+        excess -= narrowGroup(group, std::max(excess, 0));
+    }
+    applyingWidths_ = false;
+}
+
+int FlexGrid::narrowGroup(const std::vector<int>& group, int excess) {
+    std::vector<int> wanted;
+    std::vector<int> least;
+    int spare = 0;
+    for (const int col : group) {
+        wanted.push_back(std::max(twipsToPixels(widths_[static_cast<std::size_t>(col)]),
+                                  horizontalHeader()->minimumSectionSize()));
+        least.push_back(std::min(wanted.back(), narrowestPixels(col)));
+        spare += wanted.back() - least.back();
+    }
+    const int shed = std::min(excess, spare);
+    // The widest narrow to a common width, the cap, each no further than its least width.
+    const auto widthAt = [&](std::size_t i, int cap) {
+        return std::max(least[i], std::min(wanted[i], cap));
+    };
+    const auto totalAt = [&](int cap) {
+        int total = 0;
+        for (std::size_t i = 0; i < group.size(); ++i) {
+            total += widthAt(i, cap);
+        }
+        return total;
+    };
+    int total = 0;
+    for (const int width : wanted) {
+        total += width;
+    }
+    const int target = total - shed;
+    int low = 0;
+    int high = *std::max_element(wanted.begin(), wanted.end());
+    while (low < high) {
+        const int cap = (low + high) / 2;
+        if (totalAt(cap) >= target) {
+            high = cap;
+        } else {
+            low = cap + 1;
+        }
+    }
+    int over = totalAt(low) - target;
+    for (std::size_t i = 0; i < group.size(); ++i) {
+        int width = widthAt(i, low);
+        if (over > 0 && width == low && width > least[i]) {
+            --width;
+            --over;
+        }
+        if (!isColumnHidden(group[i])) {
+            setColumnWidth(group[i], width);
+        }
+    }
+    return shed;
+}
+
+int FlexGrid::narrowestPixels(int col) const {
+    const int header = fontMetrics().horizontalAdvance(model_->text(0, col));
+    const int fourCharacters = fontMetrics().horizontalAdvance(QStringLiteral("国国国国"));
+    return std::max(std::max(header, fourCharacters) + textMargins(),
+                    horizontalHeader()->minimumSectionSize());
 }
 
 void FlexGrid::rememberUserWidth(int col, int pixels) {

@@ -42,6 +42,9 @@ class FlexGrid final : public QTableView {
     // Columns 0 .. FixedCols()-1 are drawn grey like the header and never become current.
     int FixedCols() const { return fixedCols_; }
     void setFixedCols(int cols);
+    // By row, the current row is drawn selected across every column, whichever column is
+    // current; otherwise Col to ColSel of it.
+    void setSelectionByRow(bool byRow);
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
@@ -71,6 +74,12 @@ class FlexGrid final : public QTableView {
     // A trailing '|' adds a last untitled column.
     void setFormatString(const QString& format);
 
+    // Groups of columns that give way, group after group, when the shown columns are wider than
+    // the list beside its vertical scroll bar, so that the columns after them stay in view: within
+    // a group the widest narrows first, none below its header or four characters. They widen again,
+    // up to their own width, as the list grows; a cut cell shows its text as its tool tip.
+    void setGivingWay(std::vector<std::vector<int>> groups);
+
     // Data rows with a shown cell (of a column wider than 0) that contains `text`; Latin letters
     // match in either case.
     std::vector<int> rowsContaining(const QString& text) const;
@@ -94,6 +103,7 @@ class FlexGrid final : public QTableView {
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -115,16 +125,22 @@ class FlexGrid final : public QTableView {
     void applyColumnWidth(int col);
     void applyColumnWidths();
     void rememberUserWidth(int col, int pixels);
+    void giveWay();
+    // Sheds up to `excess` pixels from the group's columns; returns what it shed.
+    int narrowGroup(const std::vector<int>& group, int excess);
+    int narrowestPixels(int col) const;
 
     std::unique_ptr<FlexGridModel> model_;
     QString formatString_;
     std::vector<int> widths_;        // twips; 0 hides the column
     std::vector<int> formatWidths_;  // twips, as the format string gave them
+    std::vector<std::vector<int>> givingWay_;
     bool applyingWidths_ = false;
     int row_ = 0;
     int col_ = 0;
     int colSel_ = 0;
     int fixedCols_ = 0;
+    bool byRow_ = false;
     QStyledItemDelegate* fixedLook_ = nullptr;
     bool pressed_ = false;  // a left press on a cell that its release will make a Click
 };

@@ -1,5 +1,6 @@
 #include "support/grid_actions.h"
 
+#include <QItemSelectionModel>
 #include <QTest>
 
 #include "widgets/flex_grid.h"
@@ -37,6 +38,14 @@ void clickCell(widgets::FlexGrid& grid, int row, int col) {
 
 void doubleClickCell(widgets::FlexGrid& grid, int row, int col) {
     QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, grid.cellRect(row, col).center());
+}
+
+int shownCurrentRow(const widgets::FlexGrid& grid) {
+    const int row = grid.Row();
+    const QModelIndex first = grid.model()->index(row - 1, grid.columnAt(0));
+    const bool drawn = row > 0 && grid.selectionModel()->isRowSelected(row - 1, {}) &&
+                       grid.currentIndex().row() == row - 1;
+    return drawn && grid.viewport()->rect().contains(grid.visualRect(first).center()) ? row : 0;
 }
 
 }  // namespace qivo::test

@@ -20,5 +20,7 @@ QStringList texts(std::span<widgets::TextBox* const> boxes);
 // A user's click (or double-click) on a visible cell.
 void clickCell(widgets::FlexGrid& grid, int row, int col);
 void doubleClickCell(widgets::FlexGrid& grid, int row, int col);
+// The current row when it is drawn selected across the list and lies in view; 0 otherwise.
+int shownCurrentRow(const widgets::FlexGrid& grid);
 
 }  // namespace qivo::test
