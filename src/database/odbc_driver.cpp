@@ -78,6 +78,7 @@ bool OdbcDriver::open(const QString& db, const QString&, const QString&, const Q
         setOpenError(true);
         return false;
     }
+    utf8Text_ = db.contains(QLatin1String("ClientCharset=UTF-8"), Qt::CaseInsensitive);
     setOpen(true);
     setOpenError(false);
     return true;

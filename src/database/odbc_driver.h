@@ -19,6 +19,8 @@ class OdbcDriver final : public QSqlDriver {
               int port, const QString& options) override;
     void close() override;
     QVariant handle() const override;
+    // Whether the connection string asked the driver for UTF-8 text (FreeTDS's ClientCharset).
+    bool textArrivesAsUtf8() const { return utf8Text_; }
     bool hasFeature(DriverFeature feature) const override;
     QSqlResult* createResult() const override;
     bool beginTransaction() override;
@@ -31,6 +33,7 @@ class OdbcDriver final : public QSqlDriver {
     void release();
 
     int loginTimeout_;
+    bool utf8Text_ = false;
     void* environment_ = nullptr;
     void* connection_ = nullptr;
 };

@@ -36,18 +36,22 @@ void* connectionHandle(QSqlDatabase& db) {
     return *static_cast<void* const*>(handle.constData());
 }
 
+bool utf8Text(QSqlDatabase& db) {
+    return static_cast<const OdbcDriver*>(db.driver())->textArrivesAsUtf8();
+}
+
 }  // namespace
 
 std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& sql) const {
     OdbcStatement statement(connectionHandle(db));
     statement.execute(sql);
-    return std::make_unique<OdbcCursor>(statement.readAll());
+    return std::make_unique<OdbcCursor>(statement.readAll(utf8Text(db)));
 }
 
 qint64 OdbcEngine::executeStatement(QSqlDatabase& db, const QString& sql) const {
     OdbcStatement statement(connectionHandle(db));
     statement.execute(sql);
-    statement.readAll();
+    statement.readAll(utf8Text(db));
     return statement.rowsChanged();
 }
 
@@ -76,8 +80,8 @@ QString OdbcEngine::identityColumn(QSqlDatabase& db, const QString& table) const
     statement.execute(
         QStringLiteral("select name from sys.identity_columns where object_id = object_id(?)"),
         {table});
-    const OdbcRows rows = statement.readAll();
-    return rows.rows.empty() ? QString() : rows.rows.front().value(0).toString();
+    const OdbcRows rows = statement.readAll(utf8Text(db));
+    return rows.rowCount() == 0 ? QString() : rows.value(0, 0).toString();
 }
 
 QVariant OdbcEngine::insertRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
@@ -96,8 +100,8 @@ QVariant OdbcEngine::insertRow(QSqlDatabase& db, const QString& table, const QSt
     statement.execute(
         QStringLiteral("set nocount on; %1; select cast(scope_identity() as int)").arg(insert),
         values);
-    const OdbcRows rows = statement.readAll();
-    return rows.rows.empty() ? QVariant() : rows.rows.front().value(0);
+    const OdbcRows rows = statement.readAll(utf8Text(db));
+    return rows.rowCount() == 0 ? QVariant() : rows.value(0, 0);
 }
 
 void OdbcEngine::updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
@@ -105,7 +109,7 @@ void OdbcEngine::updateRow(QSqlDatabase& db, const QString& table, const QString
                            const QVariant& key) const {
     OdbcStatement statement(connectionHandle(db));
     statement.execute(updateStatement(table, columns, keyColumn), values + QVariantList{key});
-    statement.readAll();
+    statement.readAll(utf8Text(db));
 }
 
 // Typed dates go out as yyyymmdd, which SQL Server reads the same under every login language;

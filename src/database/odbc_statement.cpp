@@ -8,6 +8,9 @@
 
 #include <QDate>
 #include <QDateTime>
+#include <QStringEncoder>
+#include <bit>
+#include <cstring>
 #include <iterator>
 
 #include "database/odbc_wait.h"
@@ -221,122 +224,348 @@ void OdbcStatement::noteRowCount() {
     }
 }
 
-OdbcRows OdbcStatement::readAll() {
+namespace {
+
+// Rows a fetch: a block is one call into the driver instead of one a cell.
+constexpr SQLULEN kBlockRows = 256;
+// A text column declared longer than this (or of no declared size, as varchar(max)) is read in
+// pieces of whatever length it has instead of into a bound buffer of its declared size.
+constexpr SQLULEN kLongestBound = 4000;
+// UTF-8 bytes a declared character can take: three for a UTF-16 unit or a code-page character,
+// four for a pair of surrogates, which SQL Server counts as two.
+constexpr qint64 kUtf8PerCharacter = 3;
+
+OdbcRows::Kind kindOf(SQLSMALLINT type) {
+    switch (type) {
+        case SQL_BIT:
+            return OdbcRows::Kind::Bit;
+        case SQL_TINYINT:
+        case SQL_SMALLINT:
+        case SQL_INTEGER:
+        case SQL_BIGINT:
+            return OdbcRows::Kind::Integer;
+        case SQL_REAL:
+        case SQL_FLOAT:
+        case SQL_DOUBLE:
+            return OdbcRows::Kind::Real;
+        default:
+            if (isDateOnlyType(type)) {
+                return OdbcRows::Kind::Date;
+            }
+            return isDateType(type) ? OdbcRows::Kind::DateTime : OdbcRows::Kind::Text;
+    }
+}
+
+// Dates are kept as one number, yyyymmddhhmmssfff.
+qint64 packMoment(const SQL_TIMESTAMP_STRUCT& t) {
+    return ((((qint64(t.year) * 100 + t.month) * 100 + t.day) * 100 + t.hour) * 100 + t.minute) *
+               100000 +
+           qint64(t.second) * 1000 + qint64(t.fraction / 1000000);
+}
+
+QVariant unpackMoment(qint64 packed, bool dateOnly) {
+    const auto part = [&packed](qint64 divisor) {
+        const int value = int(packed % divisor);
+        packed /= divisor;
+        return value;
+    };
+    const int ms = part(1000), second = part(100), minute = part(100), hour = part(100),
+              day = part(100), month = part(100);
+    const QDate date(int(packed), month, day);
+    if (dateOnly) {
+        return date;
+    }
+    return QDateTime(date, QTime(hour, minute, second, ms));
+}
+
+// The C type a column is fetched as, and the bytes one value takes.
+SQLSMALLINT cTypeOf(OdbcRows::Kind kind, bool utf8Text) {
+    switch (kind) {
+        case OdbcRows::Kind::Bit:
+            return SQL_C_BIT;
+        case OdbcRows::Kind::Integer:
+            return SQL_C_SBIGINT;
+        case OdbcRows::Kind::Real:
+            return SQL_C_DOUBLE;
+        case OdbcRows::Kind::Date:
+        case OdbcRows::Kind::DateTime:
+            return SQL_C_TIMESTAMP;
+        case OdbcRows::Kind::Text:
+            break;
+    }
+    return utf8Text ? SQL_C_CHAR : SQL_C_WCHAR;
+}
+
+// A fetched value that is not text, from the buffer the driver wrote it to.
+void appendValue(OdbcRows& rows, OdbcRows::Kind kind, const void* value) {
+    switch (kind) {
+        case OdbcRows::Kind::Bit:
+            rows.appendNumber(*static_cast<const unsigned char*>(value) != 0);
+            return;
+        case OdbcRows::Kind::Integer: {
+            qint64 integer = 0;
+            std::memcpy(&integer, value, sizeof integer);
+            rows.appendNumber(integer);
+            return;
+        }
+        case OdbcRows::Kind::Real: {
+            double real = 0;
+            std::memcpy(&real, value, sizeof real);
+            rows.appendNumber(std::bit_cast<qint64>(real));
+            return;
+        }
+        case OdbcRows::Kind::Date:
+        case OdbcRows::Kind::DateTime: {
+            SQL_TIMESTAMP_STRUCT moment{};
+            std::memcpy(&moment, value, sizeof moment);
+            rows.appendNumber(packMoment(moment));
+            return;
+        }
+        case OdbcRows::Kind::Text:
+            return;
+    }
+}
+
+// Wide text into the store as UTF-8.
+void appendWide(OdbcRows& rows, const SQLWCHAR* text, qsizetype units) {
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    char* room = rows.textRoom(units * kUtf8PerCharacter);
+    char* end =
+        encoder.appendToBuffer(room, QStringView(reinterpret_cast<const char16_t*>(text), units));
+    rows.appendText(end - room);
+}
+
+}  // namespace
+
+char* OdbcRows::textRoom(qsizetype bytes) {
+    if (used_ + bytes > text_.size()) {
+        text_.resize(qMax(used_ + bytes, 2 * text_.size()));
+    }
+    return text_.data() + used_;
+}
+
+void OdbcRows::appendText(qsizetype bytes) {
+    cells_.push_back({used_, bytes});
+    used_ += bytes;
+}
+
+QVariant OdbcRows::value(qsizetype row, int column) const {
+    const Cell& cell = cells_[row * kinds.size() + column];
+    if (cell.size < 0) {
+        return {};
+    }
+    switch (kinds[column]) {
+        case Kind::Text:
+            // An empty text stays an empty text, not Null.
+            return cell.size == 0 ? QStringLiteral("")
+                                  : QString::fromUtf8(text_.constData() + cell.at, cell.size);
+        case Kind::Integer:
+            return qlonglong(cell.at);
+        case Kind::Real:
+            return std::bit_cast<double>(cell.at);
+        case Kind::Bit:
+            return cell.at != 0;
+        case Kind::Date:
+        case Kind::DateTime:
+            return unpackMoment(cell.at, kinds[column] == Kind::Date);
+    }
+    return {};
+}
+
+std::optional<QByteArrayView> OdbcRows::utf8(qsizetype row, int column) const {
+    const Cell& cell = cells_[row * kinds.size() + column];
+    if (cell.size < 0) {
+        return QByteArrayView();
+    }
+    if (kinds[column] != Kind::Text) {
+        return std::nullopt;
+    }
+    return QByteArrayView(text_.constData() + cell.at, cell.size);
+}
+
+OdbcRows OdbcStatement::readAll(bool utf8Text) {
     OdbcRows result;
     if (!moveToRows()) {
         return result;
     }
     SQLSMALLINT columns = 0;
     SQLNumResultCols(handle_, &columns);
-    std::vector<SQLSMALLINT> types(columns);
+    std::vector<qint64> sizes(columns);
+    bool longText = false;
     for (SQLSMALLINT c = 0; c < columns; ++c) {
         SQLWCHAR name[256];
         SQLSMALLINT nameLength = 0;
+        SQLSMALLINT type = 0;
         SQLULEN size = 0;
         SQLSMALLINT digits = 0;
         SQLSMALLINT nullable = 0;
         if (!SQL_SUCCEEDED(SQLDescribeColW(handle_, SQLUSMALLINT(c + 1), name,
-                                           SQLSMALLINT(std::size(name)), &nameLength, &types[c],
-                                           &size, &digits, &nullable))) {
+                                           SQLSMALLINT(std::size(name)), &nameLength, &type, &size,
+                                           &digits, &nullable))) {
             fail();
         }
         result.names << fromWide(name, qMin<qsizetype>(nameLength, std::size(name) - 1));
-        result.dates.push_back(isDateType(types[c]));
+        result.kinds.push_back(kindOf(type));
+        sizes[c] = qint64(size);
+        if (result.kinds.back() == OdbcRows::Kind::Text) {
+            longText = longText || size == 0 || size > kLongestBound;
+        }
     }
-    for (;;) {
-        const SQLRETURN fetched = SQLFetch(handle_);
-        if (fetched == SQL_NO_DATA) {
-            break;
-        }
-        if (!SQL_SUCCEEDED(fetched)) {
-            fail();
-        }
-        QVariantList row;
-        row.reserve(columns);
-        for (int c = 0; c < columns; ++c) {
-            row << readValue(c + 1, types[c]);
-        }
-        result.rows.push_back(std::move(row));
+    if (longText) {
+        readByCell(result, utf8Text);
+    } else {
+        readInBlocks(result, sizes, utf8Text);
     }
     drain();
     return result;
 }
 
-QVariant OdbcStatement::readValue(int column, short type) {
-    SQLLEN indicator = 0;
-    auto get = [&](SQLSMALLINT cType, void* target, SQLLEN size) {
-        if (!SQL_SUCCEEDED(
-                SQLGetData(handle_, SQLUSMALLINT(column), cType, target, size, &indicator))) {
+// Every column bound to a buffer of a block of rows, each text column as wide as its declared
+// size can take.
+void OdbcStatement::readInBlocks(OdbcRows& rows, const std::vector<qint64>& sizes, bool utf8Text) {
+    struct Column {
+        SQLLEN width = 0;
+        std::vector<char> buffer;
+        std::vector<SQLLEN> indicators;
+    };
+    const int count = int(sizes.size());
+    std::vector<Column> columns(count);
+    for (int c = 0; c < count; ++c) {
+        Column& column = columns[c];
+        const OdbcRows::Kind kind = rows.kinds[c];
+        if (kind == OdbcRows::Kind::Text) {
+            column.width = utf8Text ? SQLLEN(sizes[c] * kUtf8PerCharacter + 1)
+                                    : SQLLEN((sizes[c] + 1) * sizeof(SQLWCHAR));
+        } else {
+            column.width = kind == OdbcRows::Kind::Bit    ? 1
+                           : kind >= OdbcRows::Kind::Date ? SQLLEN(sizeof(SQL_TIMESTAMP_STRUCT))
+                                                          : 8;
+        }
+        column.buffer.resize(column.width * kBlockRows);
+        column.indicators.resize(kBlockRows);
+        if (!SQL_SUCCEEDED(SQLBindCol(handle_, SQLUSMALLINT(c + 1), cTypeOf(kind, utf8Text),
+                                      column.buffer.data(), column.width,
+                                      column.indicators.data()))) {
             fail();
         }
-        return indicator != SQL_NULL_DATA;
-    };
-    switch (type) {
-        case SQL_BIT: {
-            unsigned char bit = 0;
-            return get(SQL_C_BIT, &bit, sizeof bit) ? QVariant(bit != 0) : QVariant();
+    }
+    // The connection's environment is ODBC 2, where SQLFetch gives one row whatever the array
+    // size: a block is ODBC 2's own block fetch.
+    if (!SQL_SUCCEEDED(SQLSetStmtAttr(handle_, SQL_ROWSET_SIZE,
+                                      reinterpret_cast<SQLPOINTER>(kBlockRows), SQL_IS_UINTEGER))) {
+        fail();
+    }
+    SQLULEN fetched = 0;
+    std::vector<SQLUSMALLINT> statuses(kBlockRows);
+    for (;;) {
+        const SQLRETURN result =
+            SQLExtendedFetch(handle_, SQL_FETCH_NEXT, 0, &fetched, statuses.data());
+        if (result == SQL_NO_DATA) {
+            break;
         }
-        case SQL_TINYINT:
-        case SQL_SMALLINT:
-        case SQL_INTEGER:
-        case SQL_BIGINT: {
-            qint64 integer = 0;
-            return get(SQL_C_SBIGINT, &integer, sizeof integer) ? QVariant(qlonglong(integer))
-                                                                : QVariant();
+        if (!SQL_SUCCEEDED(result)) {
+            fail();
         }
-        case SQL_REAL:
-        case SQL_FLOAT:
-        case SQL_DOUBLE: {
-            double real = 0;
-            return get(SQL_C_DOUBLE, &real, sizeof real) ? QVariant(real) : QVariant();
-        }
-        default: {
-            if (isDateType(type)) {
-                SQL_TIMESTAMP_STRUCT t{};
-                if (!get(SQL_C_TIMESTAMP, &t, sizeof t)) {
-                    return {};
+        for (SQLULEN r = 0; r < fetched; ++r) {
+            for (int c = 0; c < count; ++c) {
+                const Column& column = columns[c];
+                const SQLLEN indicator = column.indicators[r];
+                const char* value = column.buffer.data() + r * column.width;
+                if (indicator == SQL_NULL_DATA) {
+                    rows.appendNull();
+                    continue;
                 }
-                const QDate date(t.year, t.month, t.day);
-                if (isDateOnlyType(type)) {
-                    return date;
+                if (rows.kinds[c] != OdbcRows::Kind::Text) {
+                    appendValue(rows, rows.kinds[c], value);
+                    continue;
                 }
-                return QDateTime(date,
-                                 QTime(t.hour, t.minute, t.second, int(t.fraction / 1000000)));
+                // A server that sends more than it declared would otherwise lose the rest.
+                const SQLLEN terminator = utf8Text ? 1 : SQLLEN(sizeof(SQLWCHAR));
+                if (indicator == SQL_NO_TOTAL || indicator > column.width - terminator) {
+                    throw runtime::RuntimeError(
+                        runtime::err::ProviderError,
+                        QStringLiteral("列 %1 的文字长于其声明的长度。").arg(rows.names[c]));
+                }
+                if (utf8Text) {
+                    std::memcpy(rows.textRoom(indicator), value, indicator);
+                    rows.appendText(indicator);
+                } else {
+                    appendWide(rows, reinterpret_cast<const SQLWCHAR*>(value),
+                               indicator / SQLLEN(sizeof(SQLWCHAR)));
+                }
             }
-            bool isNull = false;
-            const QString text = readText(column, isNull);
-            return isNull ? QVariant() : QVariant(text);
+        }
+    }
+    SQLFreeStmt(handle_, SQL_UNBIND);
+}
+
+// A row at a time and a cell at a time, for a result with long text.
+void OdbcStatement::readByCell(OdbcRows& rows, bool utf8Text) {
+    const int count = int(rows.kinds.size());
+    for (;;) {
+        const SQLRETURN fetched = SQLFetch(handle_);
+        if (fetched == SQL_NO_DATA) {
+            return;
+        }
+        if (!SQL_SUCCEEDED(fetched)) {
+            fail();
+        }
+        for (int c = 0; c < count; ++c) {
+            const OdbcRows::Kind kind = rows.kinds[c];
+            if (kind == OdbcRows::Kind::Text) {
+                readText(rows, c + 1, utf8Text);
+                continue;
+            }
+            SQL_TIMESTAMP_STRUCT value{};
+            SQLLEN indicator = 0;
+            if (!SQL_SUCCEEDED(SQLGetData(handle_, SQLUSMALLINT(c + 1), cTypeOf(kind, utf8Text),
+                                          &value, sizeof value, &indicator))) {
+                fail();
+            }
+            if (indicator == SQL_NULL_DATA) {
+                rows.appendNull();
+            } else {
+                appendValue(rows, kind, &value);
+            }
         }
     }
 }
 
-// Wide text, read piece by piece until the driver has given all of it: a value longer than the
-// buffer, or of a length the driver does not know in advance, arrives in several pieces.
-QString OdbcStatement::readText(int column, bool& isNull) {
-    QString text;
-    SQLWCHAR buffer[1024];
-    constexpr SQLLEN kCapacity = sizeof buffer - sizeof(SQLWCHAR);
+// Text read piece by piece until the driver has given all of it: a value longer than the buffer,
+// or of a length the driver does not know in advance, arrives in several pieces.
+void OdbcStatement::readText(OdbcRows& rows, int column, bool utf8Text) {
+    char buffer[8192];
+    const SQLLEN terminator = utf8Text ? 1 : SQLLEN(sizeof(SQLWCHAR));
+    const SQLLEN capacity = SQLLEN(sizeof buffer) - terminator;
+    QByteArray whole;
     for (;;) {
         SQLLEN indicator = 0;
-        const SQLRETURN result = SQLGetData(handle_, SQLUSMALLINT(column), SQL_C_WCHAR, buffer,
-                                            sizeof buffer, &indicator);
+        const SQLRETURN result =
+            SQLGetData(handle_, SQLUSMALLINT(column), utf8Text ? SQL_C_CHAR : SQL_C_WCHAR, buffer,
+                       sizeof buffer, &indicator);
         if (result == SQL_NO_DATA) {
-            return text;
+            break;
         }
         if (!SQL_SUCCEEDED(result)) {
             fail();
         }
         if (indicator == SQL_NULL_DATA) {
-            isNull = true;
-            return {};
+            rows.appendNull();
+            return;
         }
         const bool partial =
-            result == SQL_SUCCESS_WITH_INFO && (indicator == SQL_NO_TOTAL || indicator > kCapacity);
-        const SQLLEN bytes = partial ? kCapacity : indicator;
-        text += fromWide(buffer, bytes / SQLLEN(sizeof(SQLWCHAR)));
+            result == SQL_SUCCESS_WITH_INFO && (indicator == SQL_NO_TOTAL || indicator > capacity);
+        whole.append(buffer, partial ? capacity : indicator);
         if (!partial) {
-            return text;
+            break;
         }
+    }
+    if (utf8Text) {
+        std::memcpy(rows.textRoom(whole.size()), whole.constData(), whole.size());
+        rows.appendText(whole.size());
+    } else {
+        appendWide(rows, reinterpret_cast<const SQLWCHAR*>(whole.constData()),
+                   whole.size() / qsizetype(sizeof(SQLWCHAR)));
     }
 }
 
@@ -406,8 +635,8 @@ bool autocommitRestored(void* connection) {
 qint64 openTransactions(void* connection) {
     OdbcStatement statement(connection);
     statement.execute(QStringLiteral("select @@trancount"));
-    const OdbcRows rows = statement.readAll();
-    return rows.rows.empty() ? 0 : rows.rows.front().value(0).toLongLong();
+    const OdbcRows rows = statement.readAll(false);
+    return rows.rowCount() == 0 ? 0 : rows.value(0, 0).toLongLong();
 }
 
 }  // namespace qivo::database

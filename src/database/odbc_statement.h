@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QByteArray>
+#include <QByteArrayView>
 #include <QStringList>
 #include <QVariant>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "database/row_cursor.h"
@@ -12,10 +15,40 @@ namespace qivo::database {
 
 // Every row of one result, read in full so the statement can be released at once: SQL Server
 // runs one statement at a time per connection, and the screens keep several record sets open.
-struct OdbcRows {
+// Text is kept as UTF-8 in one store, as the grid takes it; a value becomes a QVariant only when
+// a screen asks for one.
+class OdbcRows {
+  public:
+    enum class Kind : unsigned char { Text, Integer, Real, Bit, Date, DateTime };
+
     QStringList names;
-    std::vector<bool> dates;  // which columns hold dates
-    std::vector<QVariantList> rows;
+    std::vector<Kind> kinds;
+
+    qsizetype rowCount() const {
+        return kinds.empty() ? 0 : qsizetype(cells_.size() / kinds.size());
+    }
+    // Null is a null QVariant.
+    QVariant value(qsizetype row, int column) const;
+    // A text or Null value (Null is empty) as UTF-8, valid while the rows are; nothing otherwise.
+    std::optional<QByteArrayView> utf8(qsizetype row, int column) const;
+    bool isDate(int column) const { return kinds[column] >= Kind::Date; }
+
+    // The next cell, in row order.
+    void appendNull() { cells_.push_back({0, -1}); }
+    void appendNumber(qint64 number) { cells_.push_back({number, 0}); }
+    // Room for a text of at most `bytes` bytes at the end of the store, to be kept by appendText.
+    char* textRoom(qsizetype bytes);
+    void appendText(qsizetype bytes);
+
+  private:
+    // A text's place in the store; a number's own value; size -1 for Null.
+    struct Cell {
+        qint64 at;
+        qint64 size;
+    };
+    std::vector<Cell> cells_;
+    QByteArray text_;
+    qsizetype used_ = 0;
 };
 
 // One statement on an ODBC connection (SQLHDBC), always forward-only and freed on destruction.
@@ -30,8 +63,10 @@ class OdbcStatement final {
     // Runs a text with '?' markers for the values: text goes as wide text, Null as a typeless
     // Null that any column accepts.
     void execute(const QString& sql, const QVariantList& values = {});
-    // The first result that has columns, then every later result is consumed.
-    OdbcRows readAll();
+    // The first result that has columns, then every later result is consumed. utf8Text: the
+    // driver hands out UTF-8 for SQL_C_CHAR (FreeTDS with ClientCharset=UTF-8); otherwise text
+    // is read wide, as every Windows driver gives it exactly.
+    OdbcRows readAll(bool utf8Text);
     // After readAll, the rows the statement changed: the last count it reported, which comes
     // after the counts of any trigger it set off.
     qint64 rowsChanged() const { return changed_; }
@@ -42,8 +77,9 @@ class OdbcStatement final {
     bool moveToRows();
     void drain();
     void noteRowCount();
-    QVariant readValue(int column, short type);
-    QString readText(int column, bool& isNull);
+    void readInBlocks(OdbcRows& rows, const std::vector<qint64>& sizes, bool utf8Text);
+    void readByCell(OdbcRows& rows, bool utf8Text);
+    void readText(OdbcRows& rows, int column, bool utf8Text);
     [[noreturn]] void fail() const;
 
     void* connection_;
@@ -57,9 +93,12 @@ class OdbcCursor final : public RowCursor {
   public:
     explicit OdbcCursor(OdbcRows rows) : rows_(std::move(rows)) {}
     QStringList columnNames() const override { return rows_.names; }
-    bool next() override { return ++row_ < static_cast<qsizetype>(rows_.rows.size()); }
-    QVariant value(int column) const override { return rows_.rows[row_].value(column); }
-    bool isDate(int column) const override { return rows_.dates[column]; }
+    bool next() override { return ++row_ < rows_.rowCount(); }
+    QVariant value(int column) const override { return rows_.value(row_, column); }
+    bool isDate(int column) const override { return rows_.isDate(column); }
+    std::optional<QByteArrayView> utf8(int column) const override {
+        return rows_.utf8(row_, column);
+    }
 
   private:
     OdbcRows rows_;
