@@ -85,19 +85,23 @@ class OdbcRecordsTest final : public QObject {
         const auto note = [](int i) {
             return QString::fromUtf8("龚\u4DAE\U00020000") + QString::number(i);
         };
+        const auto moment = [](int i) {
+            const QStringList moments{"null", "'2024-03-05'", "'2024-03-06 14:30:05'"};
+            return moments[i % 3];
+        };
         test::OdbcFixture odbc([&](test::FixtureDb& db) {
             for (int i = 1; i <= rows; ++i) {
                 const QVariant n = name(i);
-                db.exec(
-                    QStringLiteral("insert into 业主表 (ZH_ID, 姓名, 说明, 备注) values (%1, %2, "
-                                   "'%3', '%4')")
-                        .arg(i)
-                        .arg(n.isNull() ? "null" : "'" + n.toString() + "'", note(i),
-                             i == 7 ? test::chineseText(100) : QString()));
+                db.exec(QStringLiteral("insert into 业主表 (ZH_ID, 姓名, 说明, 备注, 进户日期) "
+                                       "values (%1, %2, '%3', '%4', %5)")
+                            .arg(i)
+                            .arg(n.isNull() ? "null" : "'" + n.toString() + "'", note(i),
+                                 i == 7 ? test::chineseText(100) : QString(), moment(i)));
             }
         });
         Recordset list;
-        list.Open("select ZH_ID, 姓名, 说明 from 业主表 order by ZH_ID", Connection::cn());
+        list.Open("select ZH_ID, 姓名, 说明, 进户日期 from 业主表 order by ZH_ID",
+                  Connection::cn());
         for (int i = 1; i <= rows; ++i, list.MoveNext()) {
             QVERIFY(!list.Eof());
             QCOMPARE(list.Fields("ZH_ID").toInt(), i);
@@ -107,6 +111,10 @@ class OdbcRecordsTest final : public QObject {
             QCOMPARE(list.fieldUtf8("姓名")->toByteArray(), name(i).toString().toUtf8());
             QCOMPARE(QString::fromUtf8(list.fieldUtf8("说明")->toByteArray()), note(i));
             QCOMPARE(list.Fields("说明").toString(), note(i));
+            QCOMPARE(QString::fromUtf8(list.fieldUtf8("进户日期")->toByteArray()),
+                     database::fieldText(list.Fields("进户日期")));
+            const QStringList shown{"", "2024-03-05", "2024-03-06 14:30:05"};
+            QCOMPARE(database::fieldText(list.Fields("进户日期")), shown[i % 3]);
         }
         QVERIFY(list.Eof());
 

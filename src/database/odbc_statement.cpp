@@ -10,6 +10,7 @@
 #include <QDateTime>
 #include <QStringEncoder>
 #include <bit>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 
@@ -377,10 +378,24 @@ std::optional<QByteArrayView> OdbcRows::utf8(qsizetype row, int column) const {
     if (cell.size < 0) {
         return QByteArrayView();
     }
-    if (kinds[column] != Kind::Text) {
+    if (kinds[column] == Kind::Text) {
+        return QByteArrayView(text_.constData() + cell.at, cell.size);
+    }
+    if (!isDate(column)) {
         return std::nullopt;
     }
-    return QByteArrayView(text_.constData() + cell.at, cell.size);
+    dateTexts_.resize(kinds.size());
+    char* text = dateTexts_[column].data();
+    const qint64 day = cell.at / 1000000000;
+    const qint64 time = cell.at % 1000000000;
+    const int year = int(day / 10000), month = int(day / 100 % 100), dayOfMonth = int(day % 100);
+    // fieldText's forms: the date alone at midnight, else to the second.
+    const int length =
+        kinds[column] == Kind::Date || time == 0
+            ? std::snprintf(text, 20, "%04d-%02d-%02d", year, month, dayOfMonth)
+            : std::snprintf(text, 20, "%04d-%02d-%02d %02d:%02d:%02d", year, month, dayOfMonth,
+                            int(time / 10000000), int(time / 100000 % 100), int(time / 1000 % 100));
+    return QByteArrayView(text, length);
 }
 
 OdbcRows OdbcStatement::readAll(bool utf8Text) {

@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QStringList>
 #include <QVariant>
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -29,7 +30,8 @@ class OdbcRows {
     }
     // Null is a null QVariant.
     QVariant value(qsizetype row, int column) const;
-    // A text or Null value (Null is empty) as UTF-8, valid while the rows are; nothing otherwise.
+    // A text, date or Null value (Null is empty) as the UTF-8 fieldText gives for it, valid
+    // while the rows are (a date's until that column is asked again); nothing for a number.
     std::optional<QByteArrayView> utf8(qsizetype row, int column) const;
     bool isDate(int column) const { return kinds[column] >= Kind::Date; }
 
@@ -48,6 +50,9 @@ class OdbcRows {
     };
     std::vector<Cell> cells_;
     QByteArray text_;
+    // A date as text, one per column: a list shows dates, and Qt's local time costs a look at the
+    // time zone for each.
+    mutable std::vector<std::array<char, 20>> dateTexts_;
     qsizetype used_ = 0;
 };
 
