@@ -147,6 +147,31 @@ class OdbcRecordsTest final : public QObject {
         }
     }
 
+    // varchar of each code page the estate's servers use reaches the grid exact, read as UTF-8
+    // and as wide text, in blocks and in pieces.
+    void codePagesArriveExact() {
+        test::OdbcFixture odbc;
+        void* connection =
+            *static_cast<void* const*>(Connection::cn().database().driver()->handle().constData());
+        const QList<QPair<int, QString>> texts{
+            {936, "欧阳建国，龚"}, {950, "歐陽建國，龔"}, {1252, "Café Noël €ÿ€€€€"}};
+        for (const auto& [codePage, value] : texts) {
+            odbc.server().setCodePage(codePage);
+            odbc.db.exec("delete from 业主表");
+            odbc.db.exec("insert into 业主表 (ZH_ID, 备注) values (1, '" + value + "')");
+            Recordset owner;
+            owner.Open("select 备注 from 业主表", Connection::cn());
+            QCOMPARE(QString::fromUtf8(owner.fieldUtf8("备注")->toByteArray()), value);
+            for (bool utf8 : {true, false}) {
+                database::OdbcStatement statement(connection);
+                statement.execute("select 备注, replicate(备注, 500) as 长 from 业主表");
+                const database::OdbcRows rows = statement.readAll(utf8);
+                QCOMPARE(rows.value(0, 0).toString(), value);
+                QCOMPARE(rows.value(0, 1).toString(), value.repeated(500));
+            }
+        }
+    }
+
     // A new row's key comes back from its own insert; empty text, Null and typed dates reach
     // their columns as written, whatever date order the login reads.
     void savesKeepKeyTextsNullsAndDates() {

@@ -5,6 +5,7 @@
 #else
 #include <iconv.h>
 
+#include <map>
 #include <memory>
 #endif
 
@@ -12,28 +13,38 @@ namespace qivo::test {
 
 #ifdef _WIN32
 
-QByteArray toCodePage936(const QString& text) {
+QByteArray toCodePage(const QString& text, int codePage) {
     const auto* wide = reinterpret_cast<const wchar_t*>(text.utf16());
     const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(936, 0, wide, length, nullptr, 0, nullptr, nullptr);
+    const int size =
+        WideCharToMultiByte(UINT(codePage), 0, wide, length, nullptr, 0, nullptr, nullptr);
     QByteArray out(size, Qt::Uninitialized);
-    WideCharToMultiByte(936, 0, wide, length, out.data(), size, nullptr, nullptr);
+    WideCharToMultiByte(UINT(codePage), 0, wide, length, out.data(), size, nullptr, nullptr);
     return out;
 }
 
 #else
 
-QByteArray toCodePage936(const QString& text) {
-    // One converter per thread: opening one per value would be most of the server's time.
-    thread_local const std::unique_ptr<void, int (*)(iconv_t)> converter(
-        iconv_open("CP936//TRANSLIT", "UTF-8"), iconv_close);
+QByteArray toCodePage(const QString& text, int codePage) {
+    // One converter per thread and code page: opening one per value would be most of the
+    // server's time.
+    thread_local std::map<int, std::unique_ptr<void, int (*)(iconv_t)> > converters;
+    auto found = converters.find(codePage);
+    if (found == converters.end()) {
+        const QByteArray name = "CP" + QByteArray::number(codePage) + "//TRANSLIT";
+        found = converters
+                    .emplace(codePage, std::unique_ptr<void, int (*)(iconv_t)>(
+                                           iconv_open(name.constData(), "UTF-8"), iconv_close))
+                    .first;
+    }
+    void* converter = found->second.get();
     const QByteArray utf8 = text.toUtf8();
     QByteArray out(utf8.size() * 2 + 4, Qt::Uninitialized);
     char* in = const_cast<char*>(utf8.constData());
     size_t inLeft = utf8.size();
     char* target = out.data();
     size_t outLeft = out.size();
-    iconv(converter.get(), &in, &inLeft, &target, &outLeft);
+    iconv(converter, &in, &inLeft, &target, &outLeft);
     out.truncate(out.size() - qsizetype(outLeft));
     return out;
 }

@@ -5,8 +5,8 @@
 
 namespace qivo::test {
 
-// Text as SQL Server's Chinese_PRC collation stores varchar: code page 936 (GBK), with '?' for
-// what GBK cannot hold.
-QByteArray toCodePage936(const QString& text);
+// Text as SQL Server stores varchar under a collation of the given Windows code page (936 GBK,
+// 950 Big5, 1252 Western), with '?' for what the code page cannot hold.
+QByteArray toCodePage(const QString& text, int codePage);
 
 }  // namespace qivo::test

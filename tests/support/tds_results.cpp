@@ -18,22 +18,28 @@ constexpr quint8 kBitN = 0x68;
 constexpr quint8 kDateTimeN = 0x6F;
 constexpr quint8 kVarChar = 0xA7;
 constexpr quint8 kNVarChar = 0xE7;
-// Chinese_PRC_CI_AS: locale 0x0804 (code page 936), case-, kana- and width-insensitive.
-constexpr char kCollation[5] = {0x04, 0x08, char(0xD0), 0x00, 0x00};
+// A case-, kana- and width-insensitive collation of the locale whose code page varchar has:
+// Chinese_PRC (0x0804, code page 936), Chinese_Taiwan (0x0404, 950), Latin1_General (0x0409, 1252).
+QByteArray collation(int codePage) {
+    const quint16 locale = codePage == 950 ? 0x0404 : codePage == 1252 ? 0x0409 : 0x0804;
+    const char bytes[5] = {char(locale & 0xFF), char(locale >> 8), char(0xD0), 0x00, 0x00};
+    return QByteArray(bytes, sizeof bytes);
+}
 
 struct Column {
     QString name;
     quint8 type = kIntN;
-    int size = 0;  // bytes
+    int size = 0;        // bytes
+    int codePage = 936;  // of varchar
 };
 
 // The widest value of a text column: in bytes of code page 936, or in characters.
-int widest(const std::vector<QVariantList>& rows, int index, bool wide) {
+int widest(const std::vector<QVariantList>& rows, int index, bool wide, int codePage) {
     int result = 1;
     for (const QVariantList& row : rows) {
         if (!row[index].isNull()) {
             const QString text = row[index].toString();
-            result = qMax(result, int(wide ? text.size() : toCodePage936(text).size()));
+            result = qMax(result, int(wide ? text.size() : toCodePage(text, codePage).size()));
         }
     }
     return result;
@@ -68,7 +74,8 @@ Column schemaColumn(const QString& name, const QString& declared) {
 
 // Which SQL Server type a result column has: the schema's, the one a cast names, else one the
 // values fit. Text columns grow to the widest value, so every value can go out.
-Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantList>& rows) {
+Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantList>& rows,
+                int codePage) {
     static const QRegularExpression cast(
         R"(^cast\(.*\bas\s+(n?varchar)\((\d+)\)\)$)",
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
@@ -88,8 +95,9 @@ Column describe(sqlite3_stmt* statement, int index, const std::vector<QVariantLi
     }
     if (column.type == kVarChar || column.type == kNVarChar) {
         const bool wide = column.type == kNVarChar;
-        column.size = qMax(column.size, widest(rows, index, wide) * (wide ? 2 : 1));
+        column.size = qMax(column.size, widest(rows, index, wide, codePage) * (wide ? 2 : 1));
     }
+    column.codePage = codePage;
     return column;
 }
 
@@ -112,7 +120,7 @@ void writeColumns(Writer& out, const QList<Column>& columns) {
                 break;
             default:
                 out.u16(quint16(column.size));
-                out.data.append(kCollation, sizeof kCollation);
+                out.data.append(collation(column.codePage));
         }
         out.bVarchar(column.name);
     }
@@ -155,7 +163,7 @@ void writeValue(Writer& out, const Column& column, const QVariant& value) {
             const QString text = value.toString();
             const QByteArray bytes =
                 column.type == kVarChar
-                    ? toCodePage936(text)
+                    ? toCodePage(text, column.codePage)
                     : QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
             out.u16(quint16(bytes.size()));
             out.data.append(bytes);
@@ -279,7 +287,7 @@ void writeError(Writer& out, quint32 number, const QString& message) {
 }
 
 bool runText(sqlite3* db, const QString& text, const Parameters& parameters, bool inProcedure,
-             Writer& out) {
+             int codePage, Writer& out) {
     const quint8 done = inProcedure ? kTokenDoneInProc : kTokenDone;
     const QStringList statements = database::SqliteEngine(QString()).statements(text);
     for (const QString& statement : statements) {
@@ -315,7 +323,7 @@ bool runText(sqlite3* db, const QString& text, const Parameters& parameters, boo
         if (columnCount > 0) {
             QList<Column> columns;
             for (int c = 0; c < columnCount; ++c) {
-                columns << describe(prepared, c, rows);
+                columns << describe(prepared, c, rows, codePage);
             }
             writeColumns(out, columns);
             for (const QVariantList& row : rows) {

@@ -110,6 +110,7 @@ struct Hold {
 struct Shared {
     std::atomic<qint64> busy{0};
     std::atomic<bool> dayFirst{false};
+    std::atomic<int> codePage{936};
     std::atomic<bool> rollbackKeeps{false};
     QMutex mutex;  // guards the members below
     QStringList calls;
@@ -439,7 +440,7 @@ class Session {
         text.replace(QStringLiteral("suser_sname()"), quoted(user_), Qt::CaseInsensitive);
         text.replace(QStringLiteral("@@trancount"), sqlite3_get_autocommit(db_) ? "0" : "1",
                      Qt::CaseInsensitive);
-        runText(db_, text, parameters, inProcedure, out);
+        runText(db_, text, parameters, inProcedure, shared_.codePage, out);
     }
 
     // The server ends an open transaction: what it wrote is undone.
@@ -516,6 +517,10 @@ TdsServer::~TdsServer() {
 
 QString TdsServer::dataSource() const {
     return QStringLiteral("127.0.0.1,%1").arg(state_->listener->serverPort());
+}
+
+void TdsServer::setCodePage(int codePage) {
+    state_->shared.codePage = codePage;
 }
 
 void TdsServer::setDayFirstLogins(bool dayFirst) {

@@ -24,6 +24,9 @@ class TdsServer final {
     // Logins made from now on read dates given as text in day-month order, as a British or
     // German login language does.
     void setDayFirstLogins(bool dayFirst);
+    // varchar from now on goes out in this Windows code page (936, 950 or 1252), under a
+    // collation of it, as a database or column of that collation sends it.
+    void setCodePage(int codePage);
     // Rolling back a transaction keeps what it wrote, as on a connection whose transaction never
     // began.
     void setRollbackKeepsWrites(bool keeps);
