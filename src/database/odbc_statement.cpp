@@ -257,6 +257,22 @@ OdbcRows::Kind kindOf(SQLSMALLINT type) {
     }
 }
 
+// The characters a value of a column read as text can take: a text column's declared size; a
+// number or binary value written out takes more (a sign and a point, two hex digits a byte).
+qint64 textCharacters(SQLSMALLINT type, SQLULEN size) {
+    switch (type) {
+        case SQL_CHAR:
+        case SQL_VARCHAR:
+        case SQL_LONGVARCHAR:
+        case SQL_WCHAR:
+        case SQL_WVARCHAR:
+        case SQL_WLONGVARCHAR:
+            return qint64(size);
+        default:
+            return 2 * qint64(size) + 2;
+    }
+}
+
 // Dates are kept as one number, yyyymmddhhmmssfff.
 qint64 packMoment(const SQL_TIMESTAMP_STRUCT& t) {
     return ((((qint64(t.year) * 100 + t.month) * 100 + t.day) * 100 + t.hour) * 100 + t.minute) *
@@ -421,9 +437,9 @@ OdbcRows OdbcStatement::readAll(bool utf8Text) {
         }
         result.names << fromWide(name, qMin<qsizetype>(nameLength, std::size(name) - 1));
         result.kinds.push_back(kindOf(type));
-        sizes[c] = qint64(size);
         if (result.kinds.back() == OdbcRows::Kind::Text) {
-            longText = longText || size == 0 || size > kLongestBound;
+            sizes[c] = textCharacters(type, size);
+            longText = longText || size == 0 || sizes[c] > qint64(kLongestBound);
         }
     }
     if (longText) {
@@ -482,6 +498,9 @@ void OdbcStatement::readInBlocks(OdbcRows& rows, const std::vector<qint64>& size
             fail();
         }
         for (SQLULEN r = 0; r < fetched; ++r) {
+            if (statuses[r] == SQL_ROW_ERROR) {
+                fail();
+            }
             for (int c = 0; c < count; ++c) {
                 const Column& column = columns[c];
                 const SQLLEN indicator = column.indicators[r];
