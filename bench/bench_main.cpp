@@ -12,7 +12,7 @@
 #include "bench_util.h"
 #include "database/ado.h"
 #include "database/engine.h"
-#include "database/sqlite_functions.h"
+#include "database/sqlite/sqlite_functions.h"
 #include "register/register_form.h"
 #include "register/register_sql.h"
 #include "review/review_form.h"

@@ -3,8 +3,8 @@
 
 #include "database/ado.h"
 #include "database/engine.h"
-#include "database/odbc_connection_string.h"
-#include "database/odbc_statement.h"
+#include "database/odbc/odbc_connection_string.h"
+#include "database/odbc/odbc_statement.h"
 #include "runtime/runtime_error.h"
 #include "session/connection.h"
 #include "support/odbc_fixture.h"

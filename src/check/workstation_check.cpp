@@ -7,7 +7,7 @@
 #include "check/server_probes.h"
 #include "database/ado.h"
 #include "database/engine.h"
-#include "database/odbc_connection_string.h"
+#include "database/odbc/odbc_connection_string.h"
 #include "runtime/runtime_error.h"
 #include "session/connection.h"
 

@@ -2,8 +2,8 @@
 
 #include <QSqlError>
 
-#include "database/odbc_engine.h"
-#include "database/sqlite_engine.h"
+#include "database/odbc/odbc_engine.h"
+#include "database/sqlite/sqlite_engine.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {

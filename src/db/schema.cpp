@@ -7,7 +7,7 @@
 
 #include "database/ado.h"
 #include "database/engine.h"
-#include "database/sqlite_engine.h"
+#include "database/sqlite/sqlite_engine.h"
 
 namespace qivo::db {
 namespace {

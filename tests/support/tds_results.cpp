@@ -6,7 +6,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
-#include "database/sqlite_engine.h"
+#include "database/sqlite/sqlite_engine.h"
 #include "support/tds_catalog.h"
 #include "support/tds_code_page.h"
 

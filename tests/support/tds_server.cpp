@@ -16,7 +16,7 @@
 #include <optional>
 #include <vector>
 
-#include "database/sqlite_functions.h"
+#include "database/sqlite/sqlite_functions.h"
 #include "support/tds_catalog.h"
 #include "support/tds_results.h"
 

@@ -1,4 +1,4 @@
-#include "database/odbc_wait.h"
+#include "database/odbc/odbc_wait.h"
 
 #ifdef _WIN32
 #include <windows.h>

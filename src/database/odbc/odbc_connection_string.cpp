@@ -1,4 +1,4 @@
-#include "database/odbc_connection_string.h"
+#include "database/odbc/odbc_connection_string.h"
 
 #ifdef Q_OS_WIN
 #include <windows.h>

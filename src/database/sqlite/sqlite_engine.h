@@ -1,7 +1,7 @@
 #pragma once
 
 #include "database/engine.h"
-#include "database/sqlite_watch.h"
+#include "database/sqlite/sqlite_watch.h"
 
 namespace qivo::database {
 

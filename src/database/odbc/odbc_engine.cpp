@@ -1,13 +1,13 @@
-#include "database/odbc_engine.h"
+#include "database/odbc/odbc_engine.h"
 
 #include <QSqlDriver>
 #include <QSqlError>
 
 #include "database/dates.h"
-#include "database/odbc_connection_string.h"
-#include "database/odbc_driver.h"
-#include "database/odbc_statement.h"
-#include "database/odbc_wait.h"
+#include "database/odbc/odbc_connection_string.h"
+#include "database/odbc/odbc_driver.h"
+#include "database/odbc/odbc_statement.h"
+#include "database/odbc/odbc_wait.h"
 #include "database/row_cursor.h"
 #include "database/sql_text.h"
 #include "runtime/runtime_error.h"

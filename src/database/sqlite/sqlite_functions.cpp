@@ -1,4 +1,4 @@
-#include "database/sqlite_functions.h"
+#include "database/sqlite/sqlite_functions.h"
 
 #include <sqlite3.h>
 
@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "database/collation.h"
 #include "database/dates.h"
 #include "database/sql_text.h"
-#include "database/sqlite_engine.h"
+#include "database/sqlite/collation.h"
+#include "database/sqlite/sqlite_engine.h"
 
 namespace qivo::database {
 namespace {

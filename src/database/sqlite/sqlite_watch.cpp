@@ -1,4 +1,4 @@
-#include "database/sqlite_watch.h"
+#include "database/sqlite/sqlite_watch.h"
 
 #include <sqlite3.h>
 

@@ -1,4 +1,4 @@
-#include "database/odbc_driver.h"
+#include "database/odbc/odbc_driver.h"
 
 #ifdef Q_OS_WIN
 #include <windows.h>

@@ -1,4 +1,4 @@
-#include "database/odbc_statement.h"
+#include "database/odbc/odbc_statement.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -14,7 +14,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "database/odbc_wait.h"
+#include "database/odbc/odbc_wait.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {

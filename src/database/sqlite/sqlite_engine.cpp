@@ -1,4 +1,4 @@
-#include "database/sqlite_engine.h"
+#include "database/sqlite/sqlite_engine.h"
 
 #include <sqlite3.h>
 
@@ -8,8 +8,8 @@
 #include <QSqlQuery>
 
 #include "database/sql_text.h"
-#include "database/sqlite_cursor.h"
-#include "database/sqlite_functions.h"
+#include "database/sqlite/sqlite_cursor.h"
+#include "database/sqlite/sqlite_functions.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {

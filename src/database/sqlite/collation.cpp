@@ -1,9 +1,9 @@
-#include "database/collation.h"
+#include "database/sqlite/collation.h"
 
 #include <cstring>
 #include <vector>
 
-#include "database/collation_table.h"
+#include "database/sqlite/collation_table.h"
 
 namespace qivo::database {
 namespace {

@@ -1,11 +1,11 @@
-#include "database/sqlite_cursor.h"
+#include "database/sqlite/sqlite_cursor.h"
 
 #include <sqlite3.h>
 
 #include <QSqlError>
 
 #include "database/engine.h"
-#include "database/sqlite_watch.h"
+#include "database/sqlite/sqlite_watch.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {
