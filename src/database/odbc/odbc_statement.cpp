@@ -295,7 +295,7 @@ QVariant unpackMoment(qint64 packed, bool dateOnly) {
     return QDateTime(date, QTime(hour, minute, second, ms));
 }
 
-// The C type a column is fetched as, and the bytes one value takes.
+// The C type a column is fetched as.
 SQLSMALLINT cTypeOf(OdbcRows::Kind kind, bool utf8Text) {
     switch (kind) {
         case OdbcRows::Kind::Bit:
