@@ -262,12 +262,9 @@ Seen savesRolledBack(database::AdoConnection& connection) {
         edit.setField("ZL_xm", QVariant());
         edit.Update();
 
-        // Keys no registration has: the batch runs and removes nothing. Its statements go one by
-        // one, as Execute sends them, but inside this transaction: Execute would commit it.
-        const database::Engine& engine = connection.engine();
-        for (const QString& statement : engine.statements(register_sql::terminateBatch(-1, {-2}))) {
-            engine.execute(db, {statement});
-        }
+        // Keys no registration has: the batch runs and removes nothing. Inside this transaction
+        // it joins it, so the rollback below undoes it too.
+        connection.Execute(register_sql::terminateBatch(-1, {-2}));
     } catch (...) {
         db.rollback();
         throw;
