@@ -80,6 +80,32 @@ QString Engine::updateStatement(const QString& table, const QStringList& columns
         .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn));
 }
 
+bool Engine::inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const {
+    if (transactionOpen(db)) {
+        return work();
+    }
+    if (!db.transaction()) {
+        throwSqlError(db.lastError());
+    }
+    bool keep = false;
+    try {
+        keep = work();
+        if (keep) {
+            commitStarting();
+            if (!db.commit()) {
+                throwSqlError(db.lastError());
+            }
+        }
+    } catch (...) {
+        db.rollback();
+        throw;
+    }
+    if (!keep) {
+        db.rollback();
+    }
+    return keep;
+}
+
 qint64 Engine::execute(QSqlDatabase& db, const QStringList& statements, bool eachMustChange) const {
     qint64 changed = 0;
     const bool kept = inTransaction(db, [&] {

@@ -51,8 +51,9 @@ class Engine {
 
     // Runs work as one transaction: kept when it returns true, undone when it returns false or
     // throws. A cancel of the statement wait can only undo it: once the user has cancelled,
-    // nothing is committed, so a cancelled write is never a stored one.
-    virtual bool inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const = 0;
+    // nothing is committed, so a cancelled write is never a stored one. Inside a transaction
+    // already open the work joins it, and the one who opened it commits or undoes it.
+    bool inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const;
 
     // Runs one statement and returns the rows it changed.
     virtual qint64 executeStatement(QSqlDatabase& db, const QString& statement) const = 0;
@@ -77,6 +78,12 @@ class Engine {
     virtual Standing settle(QSqlDatabase& db) const = 0;
 
   protected:
+    // Whether a transaction is open on the connection.
+    virtual bool transactionOpen(QSqlDatabase& db) const = 0;
+    // The work of a transaction is about to be committed: after the user's cancel this throws
+    // the cancelled error instead.
+    virtual void commitStarting() const = 0;
+
     // "update <table> set <column> = ?, ... where <key column> = ?" in this engine's quoting.
     QString updateStatement(const QString& table, const QStringList& columns,
                             const QString& keyColumn) const;

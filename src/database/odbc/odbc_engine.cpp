@@ -55,8 +55,12 @@ qint64 OdbcEngine::executeStatement(QSqlDatabase& db, const QString& sql) const 
     return statement.rowsChanged();
 }
 
-bool OdbcEngine::inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const {
-    return database::inTransaction(connectionHandle(db), work);
+bool OdbcEngine::transactionOpen(QSqlDatabase& db) const {
+    return !autocommitOn(connectionHandle(db));
+}
+
+void OdbcEngine::commitStarting() const {
+    database::commitStarting();
 }
 
 // A connection that cannot answer how many transactions it holds is as good as lost.

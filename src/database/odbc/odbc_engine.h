@@ -17,13 +17,16 @@ class OdbcEngine final : public Engine {
     void updateRow(QSqlDatabase& db, const QString& table, const QStringList& columns,
                    const QVariantList& values, const QString& keyColumn,
                    const QVariant& key) const override;
-    bool inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const override;
     qint64 executeStatement(QSqlDatabase& db, const QString& statement) const override;
     QVariant dateValue(const QVariant& typed) const override;
     Standing settle(QSqlDatabase& db) const override;
     QString quoteName(const QString& name) const override;
     std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const override;
     void run(const std::function<void()>& work) const override;
+
+  protected:
+    bool transactionOpen(QSqlDatabase& db) const override;
+    void commitStarting() const override;
 };
 
 }  // namespace qivo::database

@@ -603,53 +603,10 @@ void OdbcStatement::readText(OdbcRows& rows, int column, bool utf8Text) {
     }
 }
 
-namespace {
-
 bool autocommitOn(void* connection) {
     SQLULEN mode = SQL_AUTOCOMMIT_OFF;
     SQLGetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT, &mode, sizeof mode, nullptr);
     return mode == SQL_AUTOCOMMIT_ON;
-}
-
-void setAutocommit(void* connection, SQLULEN mode) {
-    if (!SQL_SUCCEEDED(SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                                          reinterpret_cast<SQLPOINTER>(mode), SQL_IS_UINTEGER))) {
-        throwOdbcError(SQL_HANDLE_DBC, connection);
-    }
-}
-
-void undo(void* connection) {
-    SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
-    SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
-                       reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
-}
-
-}  // namespace
-
-bool inTransaction(void* connection, const std::function<bool()>& work) {
-    if (!autocommitOn(connection)) {
-        return work();
-    }
-    setAutocommit(connection, SQL_AUTOCOMMIT_OFF);
-    bool keep = false;
-    try {
-        keep = work();
-        if (keep) {
-            commitStarting();
-            if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection, SQL_COMMIT))) {
-                throwOdbcError(SQL_HANDLE_DBC, connection);
-            }
-        }
-    } catch (...) {
-        undo(connection);
-        throw;
-    }
-    if (!keep) {
-        undo(connection);
-        return false;
-    }
-    setAutocommit(connection, SQL_AUTOCOMMIT_ON);
-    return true;
 }
 
 bool connectionDead(void* connection) {
@@ -661,7 +618,9 @@ bool connectionDead(void* connection) {
 
 bool autocommitRestored(void* connection) {
     if (!autocommitOn(connection)) {
-        undo(connection);
+        SQLEndTran(SQL_HANDLE_DBC, connection, SQL_ROLLBACK);
+        SQLSetConnectAttrW(connection, SQL_ATTR_AUTOCOMMIT,
+                           reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), SQL_IS_UINTEGER);
     }
     return autocommitOn(connection);
 }

@@ -5,7 +5,6 @@
 #include <QStringList>
 #include <QVariant>
 #include <array>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -110,10 +109,8 @@ class OdbcCursor final : public RowCursor {
     qsizetype row_ = -1;
 };
 
-// Runs work in one transaction on an ODBC connection: committed when it returns true, rolled back
-// when it returns false or throws, and never committed once the user cancelled. Inside a
-// transaction already open the work joins it, and the one who opened it commits or undoes it.
-bool inTransaction(void* connection, const std::function<bool()>& work);
+// Whether the connection is in autocommit mode, with no transaction of the program's open.
+bool autocommitOn(void* connection);
 
 // Whether the driver knows the connection to the server is gone.
 bool connectionDead(void* connection);

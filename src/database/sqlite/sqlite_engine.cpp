@@ -26,7 +26,7 @@ namespace {
 
 sqlite3* handleOf(QSqlDatabase& db) {
     const QVariant handle = db.driver()->handle();
-    return *static_cast<sqlite3* const*>(handle.constData());
+    return handle.isValid() ? *static_cast<sqlite3* const*>(handle.constData()) : nullptr;
 }
 
 }  // namespace
@@ -41,9 +41,7 @@ QSqlDatabase SqliteEngine::open(const QString& name, const QMap<QString, QString
     if (!db.open()) {
         throwSqlError(db.lastError());
     }
-    const QVariant handle = db.driver()->handle();
-    sqlite3* sqlite =
-        handle.isValid() ? *static_cast<sqlite3* const*>(handle.constData()) : nullptr;
+    sqlite3* sqlite = handleOf(db);
     if (!sqlite || !registerSqliteFunctions(sqlite)) {
         throw runtime::RuntimeError(runtime::err::ProviderError,
                                     QStringLiteral("无法初始化嵌入式数据库。"));
@@ -136,33 +134,14 @@ qint64 SqliteEngine::executeStatement(QSqlDatabase& db, const QString& statement
     return query.numRowsAffected();
 }
 
-bool SqliteEngine::inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const {
-    if (!sqlite3_get_autocommit(handleOf(db))) {
-        return work();
+bool SqliteEngine::transactionOpen(QSqlDatabase& db) const {
+    return !sqlite3_get_autocommit(handleOf(db));
+}
+
+void SqliteEngine::commitStarting() const {
+    if (watch_->cancelled()) {
+        throwCancelled();
     }
-    if (!db.transaction()) {
-        throwSqlError(db.lastError());
-    }
-    bool keep = false;
-    try {
-        keep = work();
-        if (keep && watch_->cancelled()) {
-            throwCancelled();
-        }
-    } catch (...) {
-        db.rollback();
-        throw;
-    }
-    if (!keep) {
-        db.rollback();
-        return false;
-    }
-    if (!db.commit()) {
-        const QSqlError error = db.lastError();
-        db.rollback();
-        throwSqlError(error);
-    }
-    return true;
 }
 
 // An absent file is a wrong setting or a lost database, never a new empty one; and SQLite would
