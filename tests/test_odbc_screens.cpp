@@ -149,6 +149,7 @@ class OdbcScreensTest final : public QObject {
     // A dropped connection comes back at the next action: a list read runs again unnoticed; an
     // approval whose answer never came is not sent again (the server undid it with the
     // connection's open transaction), the reviewer is told, and the list shows what it holds.
+    // A long list cut off halfway, its first rows already listed, keeps the lines it had.
     void droppedConnectionComesBack() {
         test::OdbcFixture odbc([](test::FixtureDb& db) {
             seedAccounts(db);
@@ -171,6 +172,30 @@ class OdbcScreensTest final : public QObject {
         QCOMPARE(odbc.db.count("select count(*) from approvals"), 0);
         QVERIFY(boxes.prompts().last().contains("无法确定"));
         QCOMPARE(test::rowKeys(*form.MSFlexGrid1), QList<qint32>({102, 101}));
+
+        QStringList values;
+        for (int key = 1000; key < 4000; ++key) {
+            values << QStringLiteral("(%1, 3, 'qv%1', '张伟', '业主')").arg(key);
+        }
+        odbc.db.exec("insert into 业户互联网 (HLWID, ZH_ID, Qivo号, 姓名, 属性) values " +
+                     values.join(u','));
+        widgets::FlexGrid& grid = *form.MSFlexGrid1;
+        form.Command4->click();
+        QCOMPARE(grid.Rows(), 3003);
+        grid.setRow(2700);
+        const QList<qint32> listed = test::rowKeys(grid);
+        const quint32 band = grid.cellBackColor(2, 1);
+        const int prompts = boxes.prompts().size();
+        odbc.server().failNext(test::TdsServer::Fault::DropHalfway, "审核人 Is Null");
+        form.Command4->click();
+        QCOMPARE(test::rowKeys(grid), listed);
+        QCOMPARE(grid.cellBackColor(2, 1), band);
+        QCOMPARE(grid.Row(), 2700);
+        QVERIFY(form.StatusBar1->panelText(6).startsWith("列表未能刷新："));
+        QCOMPARE(boxes.prompts().size(), prompts);
+        form.Command4->click();
+        QCOMPARE(grid.Rows(), 3003);
+        QCOMPARE(form.StatusBar1->panelText(6), QString());
     }
 
     // The three deletes of a termination stand or fall together.

@@ -433,36 +433,61 @@ void AccountScreen::fillList(
     // Hiding the list would send the keyboard on to the next control; it comes back.
     const bool hadKeyboard = MSFlexGrid1->hasFocus();
     MSFlexGrid1->setVisible(false);
-    const auto showAgain = qScopeGuard([this, hadKeyboard] {
+    bool filled = false;
+    const auto showAgain = qScopeGuard([this, hadKeyboard, &filled] {
         MSFlexGrid1->setVisible(true);
-        showListCount();
-        showCurrentLine(1);
+        if (filled) {
+            showListCount();
+            showCurrentLine(1);
+        }
         if (hadKeyboard) {
             MSFlexGrid1->setFocus();
         }
     });
-    MSFlexGrid1->setRows(1);
-    const int keyCol = MSFlexGrid1->Cols() - 1;
-    QStringList listColumns;
-    for (const char16_t* column : kListColumns) {
-        listColumns << QString::fromUtf16(column);
+    // Rows may still be arriving while the first are listed; a read that fails on the way
+    // leaves the list as it was.
+    MSFlexGrid1->setRowsAside();
+    try {
+        fillRows(record, finishRow);
+    } catch (...) {
+        MSFlexGrid1->putRowsBack();
+        throw;
     }
+    MSFlexGrid1->dropRowsAside();
+    filled = true;
+}
+
+void AccountScreen::fillRows(
+    database::Recordset& record,
+    const std::function<void(int row, const database::Recordset&)>& finishRow) {
+    // Every row reads the same fields: they are found by name once.
+    const int registrationField = record.fieldPosition(QStringLiteral("HLWID"));
+    const int keyField = record.fieldPosition(QStringLiteral("Zh_id"));
+    std::vector<int> listFields;
+    for (const char16_t* column : kListColumns) {
+        listFields.push_back(record.fieldPosition(QString::fromUtf16(column)));
+    }
+    // The banding colours a row's cells at once.
+    MSFlexGrid1->setFillStyle(widgets::flexFillRepeat);
+    const auto oneCell =
+        qScopeGuard([this] { MSFlexGrid1->setFillStyle(widgets::flexFillSingle); });
+    std::vector<QUtf8StringView> cells(static_cast<std::size_t>(MSFlexGrid1->Cols()));
+    std::vector<CellText> held(cells.size());
     while (!record.Eof()) {
-        MSFlexGrid1->setRows(MSFlexGrid1->Rows() + 1);
-        const int row = MSFlexGrid1->Rows() - 1;
-        MSFlexGrid1->setRow(row);
-        MSFlexGrid1->setRowData(row, record.Fields(QStringLiteral("HLWID")).toInt());
-        setCellFromField(*MSFlexGrid1, row, keyCol, record, QStringLiteral("Zh_id"));
-        setNumberCell(*MSFlexGrid1, row, 0, row);
-        for (qsizetype i = 0; i < listColumns.size(); ++i) {
-            setCellFromField(*MSFlexGrid1, row, static_cast<int>(i) + 1, record, listColumns[i]);
+        const int row = MSFlexGrid1->Rows();
+        cells[0] = numberText(row, held[0]);
+        for (std::size_t i = 0; i < listFields.size(); ++i) {
+            cells[i + 1] = fieldUtf8Text(record, listFields[i], held[i + 1]);
         }
+        cells.back() = fieldUtf8Text(record, keyField, held.back());
+        MSFlexGrid1->AddItemUtf8(cells);
+        MSFlexGrid1->setRow(row);
+        MSFlexGrid1->setRowData(row, fieldInt(record, registrationField));
         finishRow(row, record);
         if (row % 2 == 0) {
-            for (int col = 1; col < MSFlexGrid1->Cols(); ++col) {
-                MSFlexGrid1->setCol(col);
-                MSFlexGrid1->setCellBackColor(kBandColor);
-            }
+            MSFlexGrid1->setCol(1);
+            MSFlexGrid1->setColSel(MSFlexGrid1->Cols() - 1);
+            MSFlexGrid1->setCellBackColor(kBandColor);
         }
         record.MoveNext();
     }

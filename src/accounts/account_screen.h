@@ -93,8 +93,11 @@ class AccountScreen : public widgets::Form {
     // The owner's record into Text2; a Null 姓名 is a run-time error.
     void fillOwnerFields(const database::Recordset& owner);
     // Refills MSFlexGrid1 from the query: key, row number and the six shared columns, then
-    // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile.
+    // finishRow for the screen's own columns, then the banding. The grid is hidden meanwhile;
+    // where the query fails, it keeps the rows it had.
     void fillList(const QString& sql,
+                  const std::function<void(int row, const database::Recordset&)>& finishRow);
+    void fillRows(database::Recordset& record,
                   const std::function<void(int row, const database::Recordset&)>& finishRow);
     // A list that could not be read again: the status bar says so, and that its count is old.
     void showListNotReloaded(const std::exception& error);

@@ -1,31 +1,37 @@
 #include "accounts/grid_field.h"
 
 #include <charconv>
-#include <iterator>
 
 #include "database/ado.h"
-#include "widgets/flex_grid.h"
 
 namespace qivo {
 
-void setNumberCell(widgets::FlexGrid& grid, int row, int col, qint64 number) {
-    char digits[24];
-    const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), number);
-    grid.setTextMatrixUtf8(row, col, QUtf8StringView(digits, end.ptr - digits));
+QUtf8StringView numberText(qint64 number, CellText& held) {
+    const std::to_chars_result end =
+        std::to_chars(held.digits.data(), held.digits.data() + held.digits.size(), number);
+    return {held.digits.data(), end.ptr - held.digits.data()};
 }
 
-void setCellFromField(widgets::FlexGrid& grid, int row, int col, const database::Recordset& record,
-                      const QString& name) {
-    if (const std::optional<QByteArrayView> bytes = record.fieldUtf8(name)) {
-        grid.setTextMatrixUtf8(row, col, QUtf8StringView(bytes->data(), bytes->size()));
-        return;
+qint32 fieldInt(const database::Recordset& record, int field) {
+    if (const std::optional<qint64> number = record.fieldInteger(field)) {
+        return static_cast<qint32>(*number);
     }
-    const QVariant value = record.Fields(name);
+    return record.field(field).toInt();
+}
+
+QUtf8StringView fieldUtf8Text(const database::Recordset& record, int field, CellText& held) {
+    if (const std::optional<QByteArrayView> bytes = record.fieldUtf8(field)) {
+        return {bytes->data(), bytes->size()};
+    }
+    if (const std::optional<qint64> number = record.fieldInteger(field)) {
+        return numberText(*number, held);
+    }
+    const QVariant value = record.field(field);
     if (value.typeId() == QMetaType::LongLong || value.typeId() == QMetaType::Int) {
-        setNumberCell(grid, row, col, value.toLongLong());
-    } else {
-        grid.setTextMatrix(row, col, database::fieldText(value));
+        return numberText(value.toLongLong(), held);
     }
+    held.converted = database::fieldText(value).toUtf8();
+    return held.converted;
 }
 
 }  // namespace qivo

@@ -1,23 +1,32 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
+#include <QUtf8StringView>
 #include <QtGlobal>
+#include <array>
 
 namespace qivo {
 
-namespace widgets {
-class FlexGrid;
-}
 namespace database {
 class Recordset;
 }
 
-// A whole number into a grid cell, as QString::number writes it.
-void setNumberCell(widgets::FlexGrid& grid, int row, int col, qint64 number);
+// Where a list cell's text is kept when the database does not hold it as text: the digits of a
+// number, or the field's text turned into UTF-8.
+struct CellText {
+    std::array<char, 24> digits{};
+    QByteArray converted;
+};
 
-// Puts a record's field into a grid cell as the text fieldText gives, taking the engine's own
-// bytes where it has them: a long list then converts no text it does not paint.
-void setCellFromField(widgets::FlexGrid& grid, int row, int col, const database::Recordset& record,
-                      const QString& name);
+// A whole number as QString::number writes it, kept in `held`.
+QUtf8StringView numberText(qint64 number, CellText& held);
+
+// A record's field (by position) as a whole number, as Fields(...).toInt() gives it.
+qint32 fieldInt(const database::Recordset& record, int field);
+
+// A record's field (by position) as the text fieldText gives, in UTF-8: the engine's own bytes
+// where it has them, valid until the record moves, otherwise kept in `held`. A long list then
+// converts no text it does not paint.
+QUtf8StringView fieldUtf8Text(const database::Recordset& record, int field, CellText& held);
 
 }  // namespace qivo

@@ -52,6 +52,7 @@ AdoConnection::~AdoConnection() {
     if (name_.isEmpty() || !QCoreApplication::instance()) {
         return;
     }
+    engine_->finishReading();
     QSqlDatabase::database(name_, false).close();
     QSqlDatabase::removeDatabase(name_);
 }
@@ -97,6 +98,7 @@ QSqlDatabase AdoConnection::database() {
         Open();
     }
     requireOpen();
+    engine_->finishReading();
     engine_->checkReachable();
     return QSqlDatabase::database(name_, false);
 }
@@ -170,8 +172,7 @@ void Recordset::Open(const QString& sql, AdoConnection& connection, CursorType c
     const auto select = [&] {
         QSqlDatabase db = connection.database();
         const Engine& engine = connection.engine();
-        cursor_ = watched<std::unique_ptr<RowCursor>>(engine,
-                                                      [&] { return engine.select(db, statement); });
+        cursor_ = engine.query(db, statement);
     };
     try {
         select();
@@ -292,11 +293,23 @@ QVariant Recordset::field(int index) const {
 
 std::optional<QByteArrayView> Recordset::fieldUtf8(const QString& name) const {
     requireRecord();
-    const int index = fieldIndex(name);
+    return fieldUtf8(fieldIndex(name));
+}
+
+std::optional<QByteArrayView> Recordset::fieldUtf8(int position) const {
+    requireRecord();
     if (updatable_ || !cursor_) {
         return std::nullopt;
     }
-    return cursor_->utf8(index);
+    return cursor_->utf8(position);
+}
+
+std::optional<qint64> Recordset::fieldInteger(int position) const {
+    requireRecord();
+    if (updatable_ || !cursor_) {
+        return std::nullopt;
+    }
+    return cursor_->integer(position);
 }
 
 void Recordset::AddNew() {

@@ -99,6 +99,13 @@ class Recordset final {
     // What fieldText(Fields(name)) gives, as the engine's own UTF-8 bytes where a read-only set's
     // engine holds the field as text or Null; valid until the record moves. Otherwise nothing.
     std::optional<QByteArrayView> fieldUtf8(const QString& name) const;
+    // A field's position, found by name as Fields finds it, for reading it on every row of a
+    // long list by position (field, fieldUtf8).
+    int fieldPosition(const QString& name) const { return fieldIndex(name); }
+    std::optional<QByteArrayView> fieldUtf8(int position) const;
+    // A read-only set's field as a whole number where its engine holds it as one; otherwise
+    // (Null, text, an updatable set) nothing.
+    std::optional<qint64> fieldInteger(int position) const;
 
     void AddNew();
     void setField(const QString& name, const QVariant& value);  // null QVariant writes Null

@@ -3,6 +3,7 @@
 #include <QSqlError>
 
 #include "database/odbc/odbc_engine.h"
+#include "database/row_cursor.h"
 #include "database/sqlite/sqlite_engine.h"
 #include "runtime/runtime_error.h"
 
@@ -78,6 +79,12 @@ QString Engine::updateStatement(const QString& table, const QStringList& columns
     }
     return QStringLiteral("update %1 set %2 where %3 = ?")
         .arg(quoteName(table), assignments.join(QStringLiteral(", ")), quoteName(keyColumn));
+}
+
+std::unique_ptr<RowCursor> Engine::query(QSqlDatabase& db, const QString& sql) const {
+    std::unique_ptr<RowCursor> rows;
+    run([&] { rows = select(db, sql); });
+    return rows;
 }
 
 bool Engine::inTransaction(QSqlDatabase& db, const std::function<bool()>& work) const {

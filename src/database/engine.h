@@ -64,6 +64,11 @@ class Engine {
     virtual QString quoteName(const QString& name) const = 0;
     // Runs one query for reading its rows in order.
     virtual std::unique_ptr<RowCursor> select(QSqlDatabase& db, const QString& sql) const = 0;
+    // Runs one query as run runs work, for reading its rows in order. The rows may still be
+    // arriving while the first are read: until finishReading, nothing else uses the connection.
+    virtual std::unique_ptr<RowCursor> query(QSqlDatabase& db, const QString& sql) const;
+    // Waits until a query's rows still arriving have all arrived, so the connection is free.
+    virtual void finishReading() const {}
 
     // Throws when the database can no longer be reached by this connection.
     virtual void checkReachable() const {}

@@ -21,6 +21,8 @@ class RowCursor {
     // The same column as the engine's own UTF-8 bytes where it holds the value as text (Null is
     // empty), valid until next(); nothing where it holds it otherwise.
     virtual std::optional<QByteArrayView> utf8(int) const { return std::nullopt; }
+    // The same column as a whole number where the engine holds it as one; nothing otherwise.
+    virtual std::optional<qint64> integer(int) const { return std::nullopt; }
 };
 
 }  // namespace qivo::database

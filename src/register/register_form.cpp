@@ -13,9 +13,15 @@ constexpr int kStateCol = 7;
 constexpr int kOpenCol = 8;
 
 // The household state: only the exact marker of a current household shows no state.
-QString householdState(const QVariant& note) {
-    return !note.isNull() && note.toString() == QStringLiteral("新进户") ? QString()
-                                                                         : QStringLiteral("已迁出");
+// The household's state from its owner's 说明, read as bytes where the engine has them: the
+// list reads it on every row.
+QString householdState(const database::Recordset& record) {
+    const QString note = QStringLiteral("说明");
+    const std::optional<QByteArrayView> bytes = record.fieldUtf8(note);
+    const bool movedIn =
+        bytes ? QUtf8StringView(bytes->data(), bytes->size()) == QUtf8StringView(u8"新进户")
+              : record.Fields(note).toString() == QStringLiteral("新进户");
+    return movedIn ? QString() : QStringLiteral("已迁出");
 }
 
 }  // namespace
@@ -40,8 +46,7 @@ void frmQivo账号一览表::LoadApprovedList() {
     try {
         fillList(register_sql::approvedListQuery(),
                  [this](int row, const database::Recordset& record) {
-                     MSFlexGrid1->setTextMatrix(
-                         row, kStateCol, householdState(record.Fields(QStringLiteral("说明"))));
+                     MSFlexGrid1->setTextMatrix(row, kStateCol, householdState(record));
                      MSFlexGrid1->setTextMatrix(row, kOpenCol, QStringLiteral("查看\\终止"));
                      MSFlexGrid1->setCol(kOpenCol);
                      MSFlexGrid1->setCellForeColor(kBlue);

@@ -69,10 +69,6 @@ FlexGrid::~FlexGrid() {
     setModel(nullptr);
 }
 
-int FlexGrid::Rows() const {
-    return model_->rows();
-}
-
 void FlexGrid::setRows(int rows) {
     if (rows < 1) {
         throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
@@ -80,10 +76,6 @@ void FlexGrid::setRows(int rows) {
     model_->setRows(rows);
     row_ = std::min(row_, rows - 1);
     updateSelection();
-}
-
-int FlexGrid::Cols() const {
-    return model_->cols();
 }
 
 void FlexGrid::setCols(int cols) {
@@ -148,6 +140,13 @@ void FlexGrid::setTextMatrixUtf8(int row, int col, QUtf8StringView text) {
     model_->setText(row, col, text);
 }
 
+void FlexGrid::AddItemUtf8(std::span<const QUtf8StringView> cells) {
+    if (static_cast<int>(cells.size()) > Cols()) {
+        throwBadSubscript();
+    }
+    model_->appendRow(cells);
+}
+
 qint32 FlexGrid::RowData(int row) const {
     checkCell(row, 0);
     return model_->rowData(row);
@@ -156,6 +155,35 @@ qint32 FlexGrid::RowData(int row) const {
 void FlexGrid::setRowData(int row, qint32 value) {
     checkCell(row, 0);
     model_->setRowData(row, value);
+}
+
+struct FlexGrid::RowsAside {
+    FlexGridModel::RowsAside rows;
+    int row = 0;
+    int col = 0;
+    int colSel = 0;
+};
+
+void FlexGrid::setRowsAside() {
+    aside_.reset(new RowsAside{model_->setRowsAside(), row_, col_, colSel_});
+    row_ = 0;
+    updateSelection();
+}
+
+void FlexGrid::dropRowsAside() {
+    aside_.reset();
+}
+
+void FlexGrid::putRowsBack() {
+    if (!aside_) {
+        return;
+    }
+    model_->putRowsBack(std::move(aside_->rows));
+    row_ = aside_->row;
+    col_ = aside_->col;
+    colSel_ = aside_->colSel;
+    aside_.reset();
+    updateSelection();
 }
 
 int FlexGrid::ColWidth(int col) const {
@@ -202,12 +230,12 @@ void FlexGrid::setColAlignmentFixed(int col, int code) {
 
 void FlexGrid::setCellForeColor(quint32 bgr) {
     checkCell(row_, col_);
-    model_->setForeColor(row_, col_, bgr);
+    model_->setForeColor(row_, fillFirst(), fillLast(), bgr);
 }
 
 void FlexGrid::setCellBackColor(quint32 bgr) {
     checkCell(row_, col_);
-    model_->setBackColor(row_, col_, bgr);
+    model_->setBackColor(row_, fillFirst(), fillLast(), bgr);
 }
 
 quint32 FlexGrid::cellForeColor(int row, int col) const {
@@ -457,10 +485,20 @@ int FlexGrid::userColumn(int col) const {
     return fixedCols_ < Cols() ? std::max(col, fixedCols_) : col;
 }
 
-void FlexGrid::checkCell(int row, int col) const {
-    if (row < 0 || row >= Rows() || col < 0 || col >= Cols()) {
-        throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
-    }
+void FlexGrid::setFillStyle(int style) {
+    fillStyle_ = style;
+}
+
+int FlexGrid::fillFirst() const {
+    return fillStyle_ == flexFillRepeat ? std::min(col_, colSel_) : col_;
+}
+
+int FlexGrid::fillLast() const {
+    return fillStyle_ == flexFillRepeat ? std::max(col_, colSel_) : col_;
+}
+
+void FlexGrid::throwBadSubscript() {
+    throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
 }
 
 void FlexGrid::moveTo(int row, int col) {

@@ -4,17 +4,21 @@
 #include <QTableView>
 #include <QUtf8StringView>
 #include <memory>
+#include <span>
 #include <vector>
+
+#include "widgets/flex_grid_model.h"
 
 class QStyledItemDelegate;
 
 namespace qivo::widgets {
 
-class FlexGridModel;
-
 // Cell alignment codes of the flex grid.
 constexpr int flexAlignLeftCenter = 1;
 constexpr int flexAlignCenterCenter = 4;
+// Whether a cell property set from code changes the current cell or the cells Col to ColSel.
+constexpr int flexFillSingle = 0;
+constexpr int flexFillRepeat = 1;
 constexpr int flexAlignRightCenter = 7;
 
 // The flexible grid: row 0 is the header row, rows 1 .. Rows()-1 hold data. Colours are BGR
@@ -28,9 +32,9 @@ class FlexGrid final : public QTableView {
     explicit FlexGrid(QWidget* parent = nullptr);
     ~FlexGrid() override;
 
-    int Rows() const;
+    int Rows() const { return model_->rows(); }
     void setRows(int rows);
-    int Cols() const;
+    int Cols() const { return model_->cols(); }
     void setCols(int cols);
 
     int Row() const { return row_; }
@@ -45,13 +49,24 @@ class FlexGrid final : public QTableView {
     // By row, the current row is drawn selected across every column, whichever column is
     // current; otherwise Col to ColSel of it.
     void setSelectionByRow(bool byRow);
+    int FillStyle() const { return fillStyle_; }
+    void setFillStyle(int style);
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
     // The same for text that is already UTF-8, as a database hands it over: kept as it is.
     void setTextMatrixUtf8(int row, int col, QUtf8StringView text);
+    // Adds a row at the end whose cells from column 0 hold these UTF-8 texts, as AddItem does
+    // with its tab-separated text: a long list is filled a row at a time.
+    void AddItemUtf8(std::span<const QUtf8StringView> cells);
     qint32 RowData(int row) const;
     void setRowData(int row, qint32 value);
+
+    // A list read anew: its data rows are set aside, current cell included, leaving the header
+    // row; once the read is done they are dropped, or put back where the read failed.
+    void setRowsAside();
+    void dropRowsAside();
+    void putRowsBack();
 
     int ColWidth(int col) const;  // twips
     void setColWidth(int col, int twips);
@@ -60,7 +75,8 @@ class FlexGrid final : public QTableView {
     int ColAlignmentFixed(int col) const;
     void setColAlignmentFixed(int col, int code);
 
-    void setCellForeColor(quint32 bgr);  // the current cell (Row, Col)
+    // The current cell (Row, Col), or with FillStyle flexFillRepeat Col to ColSel of Row.
+    void setCellForeColor(quint32 bgr);
     void setCellBackColor(quint32 bgr);
     quint32 cellForeColor(int row, int col) const;
     quint32 cellBackColor(int row, int col) const;
@@ -114,8 +130,16 @@ class FlexGrid final : public QTableView {
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
   private:
-    void checkCell(int row,
-                   int col) const;  // throws runtime::RuntimeError 381 for a cell outside the grid
+    // Throws runtime::RuntimeError 381 for a cell outside the grid. A list fill checks every
+    // cell it writes, so the check is inline.
+    void checkCell(int row, int col) const {
+        if (row < 0 || row >= Rows() || col < 0 || col >= Cols()) {
+            throwBadSubscript();
+        }
+    }
+    [[noreturn]] static void throwBadSubscript();
+    int fillFirst() const;
+    int fillLast() const;
     void moveTo(int row, int col);
     int userColumn(int col) const;
     void updateSelection();
@@ -131,6 +155,8 @@ class FlexGrid final : public QTableView {
     int narrowestPixels(int col) const;
 
     std::unique_ptr<FlexGridModel> model_;
+    struct RowsAside;
+    std::unique_ptr<RowsAside> aside_;
     QString formatString_;
     std::vector<int> widths_;        // twips; 0 hides the column
     std::vector<int> formatWidths_;  // twips, as the format string gave them
@@ -139,6 +165,7 @@ class FlexGrid final : public QTableView {
     int row_ = 0;
     int col_ = 0;
     int colSel_ = 0;
+    int fillStyle_ = flexFillSingle;
     int fixedCols_ = 0;
     bool byRow_ = false;
     QStyledItemDelegate* fixedLook_ = nullptr;

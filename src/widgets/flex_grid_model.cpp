@@ -116,6 +116,55 @@ void FlexGridModel::setRows(int rows) {
     }
 }
 
+FlexGridModel::RowsAside FlexGridModel::setRowsAside() {
+    if (live_) {
+        beginResetModel();
+    }
+    RowsAside aside{std::move(rows_), std::move(cells_), std::move(bytes_), used_,
+                    capacity_,        garbage_,          std::move(spills_)};
+    // The list read anew is mostly as long as the one set aside.
+    rows_.reserve(aside.rows.size());
+    rows_.assign(1, aside.rows[0]);
+    cells_.reserve(aside.cells.size());
+    cells_.assign(ucol(cols_), Cell{});
+    spills_.clear();
+    used_ = capacity_ = garbage_ = 0;
+    tail(aside.used);
+    for (Colors* colors : {&rows_[0].fore, &rows_[0].back}) {
+        if (colors->spill >= 0) {
+            spills_.push_back(aside.spills[static_cast<std::size_t>(colors->spill)]);
+            colors->spill = static_cast<qint32>(spills_.size()) - 1;
+        }
+    }
+    for (int col = 0; col < cols_; ++col) {
+        const Cell& header = aside.cells[ucol(col)];
+        if (header.size > 0) {
+            std::memcpy(tail(header.size), aside.bytes.get() + header.offset, header.size);
+            place(cell(0, col), header.size);
+        }
+    }
+    if (live_) {
+        endResetModel();
+    }
+    return aside;
+}
+
+void FlexGridModel::putRowsBack(RowsAside&& aside) {
+    if (live_) {
+        beginResetModel();
+    }
+    rows_ = std::move(aside.rows);
+    cells_ = std::move(aside.cells);
+    bytes_ = std::move(aside.bytes);
+    used_ = aside.used;
+    capacity_ = aside.capacity;
+    garbage_ = aside.garbage;
+    spills_ = std::move(aside.spills);
+    if (live_) {
+        endResetModel();
+    }
+}
+
 void FlexGridModel::setCols(int cols) {
     if (live_) {
         beginResetModel();
@@ -197,6 +246,33 @@ void FlexGridModel::setText(int row, int col, QUtf8StringView text) {
     cellChanged(row, col, Qt::DisplayRole);
 }
 
+void FlexGridModel::appendRow(std::span<const QUtf8StringView> texts) {
+    const int row = rows();
+    if (live_) {
+        beginInsertRows({}, row - 1, row - 1);
+    }
+    rows_.emplace_back();
+    cells_.resize(ucell(row + 1, 0));
+    std::size_t bytes = 0;
+    for (const QUtf8StringView text : texts) {
+        bytes += static_cast<std::size_t>(text.size());
+    }
+    char* out = tail(bytes);
+    Cell* target = &cell(row, 0);
+    for (const QUtf8StringView text : texts) {
+        const auto size = static_cast<std::size_t>(text.size());
+        if (size > 0) {
+            std::memcpy(out, text.data(), size);
+        }
+        *target++ = {static_cast<quint32>(used_), static_cast<quint32>(size)};
+        used_ += size;
+        out += size;
+    }
+    if (live_) {
+        endInsertRows();
+    }
+}
+
 // The text of `size` bytes at the tail becomes the cell's: in the cell's old place when it fits.
 void FlexGridModel::place(Cell& target, std::size_t size) {
     if (size <= target.size) {
@@ -274,22 +350,22 @@ quint32 FlexGridModel::colorOf(const Colors& colors, int col) const {
     return color == kNoColor ? 0 : color;
 }
 
-void FlexGridModel::setForeColor(int row, int col, quint32 bgr) {
-    setColor(at(row).fore, row, col, bgr, Qt::ForegroundRole);
+void FlexGridModel::setForeColor(int row, int first, int last, quint32 bgr) {
+    setColor(at(row).fore, row, first, last, bgr, Qt::ForegroundRole);
 }
 
-void FlexGridModel::setBackColor(int row, int col, quint32 bgr) {
-    setColor(at(row).back, row, col, bgr, Qt::BackgroundRole);
+void FlexGridModel::setBackColor(int row, int first, int last, quint32 bgr) {
+    setColor(at(row).back, row, first, last, bgr, Qt::BackgroundRole);
 }
 
-void FlexGridModel::setColor(Colors& colors, int row, int col, quint32 bgr, int role) {
+void FlexGridModel::setColor(Colors& colors, int row, int first, int last, quint32 bgr, int role) {
     bgr &= 0xFFFFFF;
     if (colors.spill < 0) {
         if (colors.last < colors.first) {
-            colors = {bgr, col, col, -1};
-        } else if (bgr == colors.color && col >= colors.first - 1 && col <= colors.last + 1) {
-            colors.first = std::min(colors.first, col);
-            colors.last = std::max(colors.last, col);
+            colors = {bgr, first, last, -1};
+        } else if (bgr == colors.color && first <= colors.last + 1 && last >= colors.first - 1) {
+            colors.first = std::min(colors.first, first);
+            colors.last = std::max(colors.last, last);
         } else {
             std::vector<quint32> each(ucol(cols_), kNoColor);
             std::fill(each.begin() + colors.first, each.begin() + colors.last + 1, colors.color);
@@ -298,9 +374,10 @@ void FlexGridModel::setColor(Colors& colors, int row, int col, quint32 bgr, int 
         }
     }
     if (colors.spill >= 0) {
-        spills_[static_cast<std::size_t>(colors.spill)][ucol(col)] = bgr;
+        std::vector<quint32>& each = spills_[static_cast<std::size_t>(colors.spill)];
+        std::fill(each.begin() + first, each.begin() + last + 1, bgr);
     }
-    cellChanged(row, col, role);
+    cellsChanged(row, first, last, role);
 }
 
 void FlexGridModel::setAlignment(int col, int code) {
@@ -332,15 +409,14 @@ void FlexGridModel::setLive(bool live) {
     }
 }
 
-void FlexGridModel::cellChanged(int row, int col, int role) {
+void FlexGridModel::cellsChanged(int row, int first, int last, int role) {
     if (!live_) {
         return;
     }
     if (row == 0) {
-        Q_EMIT headerDataChanged(Qt::Horizontal, col, col);
+        Q_EMIT headerDataChanged(Qt::Horizontal, first, last);
     } else {
-        const QModelIndex cell = index(row - 1, col);
-        Q_EMIT dataChanged(cell, cell, {role});
+        Q_EMIT dataChanged(index(row - 1, first), index(row - 1, last), {role});
     }
 }
 

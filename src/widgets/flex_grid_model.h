@@ -4,6 +4,7 @@
 #include <QString>
 #include <QUtf8StringView>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace qivo::widgets {
@@ -31,13 +32,16 @@ class FlexGridModel final : public QAbstractTableModel {
     QUtf8StringView utf8(int row, int col) const;
     void setText(int row, int col, QStringView text);
     void setText(int row, int col, QUtf8StringView text);  // not a view of this model's cells
+    // A row at the end whose cells from column 0 hold these texts, the rest empty.
+    void appendRow(std::span<const QUtf8StringView> texts);
     qint32 rowData(int row) const { return at(row).data; }
     void setRowData(int row, qint32 value) { at(row).data = value; }
 
     quint32 foreColor(int row, int col) const { return colorOf(at(row).fore, col); }
     quint32 backColor(int row, int col) const { return colorOf(at(row).back, col); }
-    void setForeColor(int row, int col, quint32 bgr);
-    void setBackColor(int row, int col, quint32 bgr);
+    // The colour of the row's cells from column first to last.
+    void setForeColor(int row, int first, int last, quint32 bgr);
+    void setBackColor(int row, int first, int last, quint32 bgr);
 
     int alignment(int col) const { return columns_[ucol(col)].alignment; }
     void setAlignment(int col, int code);
@@ -47,6 +51,12 @@ class FlexGridModel final : public QAbstractTableModel {
     // Data rows (grid numbering) where a cell of `columns` contains `needle`, which must be
     // UTF-8 with its Latin letters in lower case: Latin letters match in either case.
     std::vector<int> rowsContaining(QUtf8StringView needle, const std::vector<int>& columns) const;
+
+    // The data rows, set aside while the list is read anew, the header row staying; put back
+    // when that read fails.
+    struct RowsAside;
+    RowsAside setRowsAside();
+    void putRowsBack(RowsAside&& aside);
 
     bool isLive() const { return live_; }
     void setLive(bool live);
@@ -82,6 +92,18 @@ class FlexGridModel final : public QAbstractTableModel {
         int fixedAlignment = 1;
     };
 
+  public:
+    struct RowsAside {
+        std::vector<Row> rows;
+        std::vector<Cell> cells;
+        std::unique_ptr<char[]> bytes;
+        std::size_t used = 0;
+        std::size_t capacity = 0;
+        std::size_t garbage = 0;
+        std::vector<std::vector<quint32>> spills;
+    };
+
+  private:
     static std::size_t ucol(int col) { return static_cast<std::size_t>(col); }
     Row& at(int row) { return rows_[static_cast<std::size_t>(row)]; }
     const Row& at(int row) const { return rows_[static_cast<std::size_t>(row)]; }
@@ -91,14 +113,15 @@ class FlexGridModel final : public QAbstractTableModel {
     }
     quint32 colorOf(const Colors& colors, int col) const;
     quint32 storedColor(const Colors& colors, int col) const;
-    void setColor(Colors& colors, int row, int col, quint32 bgr, int role);
+    void setColor(Colors& colors, int row, int first, int last, quint32 bgr, int role);
     char* tail(std::size_t room);
     void place(Cell& target, std::size_t size);
     void forget(std::size_t firstCell, std::size_t endCell);
     void collectGarbage();
     void dropUnusedSpills();
     QVariant cellData(int row, int col, int alignment, int role) const;
-    void cellChanged(int row, int col, int role);
+    void cellChanged(int row, int col, int role) { cellsChanged(row, col, col, role); }
+    void cellsChanged(int row, int first, int last, int role);
 
     std::vector<Row> rows_;
     std::vector<Cell> cells_;  // row by row, cols_ to a row

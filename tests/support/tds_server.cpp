@@ -436,6 +436,7 @@ class Session {
             return;
         }
         dropping_ = fault == TdsServer::Fault::Drop;
+        droppingHalfway_ = fault == TdsServer::Fault::DropHalfway;
         text.replace(QStringLiteral("@@language"), quoted(language_), Qt::CaseInsensitive);
         text.replace(QStringLiteral("suser_sname()"), quoted(user_), Qt::CaseInsensitive);
         text.replace(QStringLiteral("@@trancount"), sqlite3_get_autocommit(db_) ? "0" : "1",
@@ -469,6 +470,13 @@ class Session {
             packets += header + payload.mid(offset, size);
             offset += size;
         } while (offset < payload.size());
+        if (droppingHalfway_) {
+            droppingHalfway_ = false;
+            endTransaction();
+            socket_->write(packets.left(packets.size() / 2));
+            socket_->disconnectFromHost();
+            return;
+        }
         socket_->write(packets);
     }
 
@@ -478,6 +486,7 @@ class Session {
     QString language_;
     QString user_;
     bool dropping_ = false;
+    bool droppingHalfway_ = false;
     const Hold& hold_;
     quint64 held_ = 0;  // the hold now waiting; an attention moves it on
     std::optional<std::pair<quint8, QByteArray>> pending_;  // the request held now

@@ -48,8 +48,9 @@ class TdsServer final {
     };
     Login lastLogin() const;
     // The next request whose text holds fragment is the deadlock victim (1205: the server rolls
-    // its transaction back), or runs and loses its connection before any answer.
-    enum class Fault { Deadlock, Drop };
+    // its transaction back), or runs and loses its connection before any answer, or halfway
+    // through its answer.
+    enum class Fault { Deadlock, Drop, DropHalfway };
     void failNext(Fault fault, const QString& fragment);
     // Time spent answering requests: running statements and encoding their results.
     qint64 busyNanoseconds() const;

@@ -7,6 +7,7 @@
 #include "database/odbc/odbc_connection_string.h"
 #include "database/odbc/odbc_driver.h"
 #include "database/odbc/odbc_statement.h"
+#include "database/odbc/odbc_stream.h"
 #include "database/odbc/odbc_wait.h"
 #include "database/row_cursor.h"
 #include "database/sql_text.h"
@@ -48,6 +49,27 @@ std::unique_ptr<RowCursor> OdbcEngine::select(QSqlDatabase& db, const QString& s
     return std::make_unique<OdbcCursor>(statement.readAll(utf8Text(db)));
 }
 
+std::unique_ptr<RowCursor> OdbcEngine::query(QSqlDatabase& db, const QString& sql) const {
+    if (inOdbcWork()) {
+        return select(db, sql);
+    }
+    finishReading();
+    auto stream = std::make_unique<OdbcStream>(connectionHandle(db), sql, utf8Text(db));
+    reading_ = stream->task();
+    return stream;
+}
+
+void OdbcEngine::finishReading() const {
+    if (reading_) {
+        reading_->settle();
+        reading_.reset();
+    }
+}
+
+OdbcEngine::~OdbcEngine() {
+    finishReading();
+}
+
 qint64 OdbcEngine::executeStatement(QSqlDatabase& db, const QString& sql) const {
     OdbcStatement statement(connectionHandle(db));
     statement.execute(sql);
@@ -65,6 +87,7 @@ void OdbcEngine::commitStarting() const {
 
 // A connection that cannot answer how many transactions it holds is as good as lost.
 Engine::Standing OdbcEngine::settle(QSqlDatabase& db) const {
+    finishReading();
     void* connection = connectionHandle(db);
     if (connectionDead(connection)) {
         return Standing::Lost;
@@ -130,6 +153,7 @@ QVariant OdbcEngine::dateValue(const QVariant& typed) const {
 }
 
 void OdbcEngine::run(const std::function<void()>& work) const {
+    finishReading();
     runOdbcWork(work);
 }
 

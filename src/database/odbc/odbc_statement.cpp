@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "database/odbc/odbc_wait.h"
 #include "runtime/runtime_error.h"
@@ -229,6 +230,8 @@ namespace {
 
 // Rows a fetch: a block is one call into the driver instead of one a cell.
 constexpr SQLULEN kBlockRows = 256;
+// Rows handed on at a time while the rest still arrive: each hand-over wakes the reader.
+constexpr qsizetype kHandOverRows = 1024;
 // A text column declared longer than this (or of no declared size, as varchar(max)) is read in
 // pieces of whatever length it has instead of into a bound buffer of its declared size.
 constexpr SQLULEN kLongestBound = 4000;
@@ -366,6 +369,19 @@ void OdbcRows::appendText(qsizetype bytes) {
     used_ += bytes;
 }
 
+OdbcRows OdbcRows::takeRows() {
+    OdbcRows taken;
+    taken.names = names;
+    taken.kinds = kinds;
+    taken.cells_.swap(cells_);
+    taken.text_.swap(text_);
+    taken.used_ = std::exchange(used_, 0);
+    // The next block is about as large.
+    cells_.reserve(taken.cells_.size());
+    text_.resize(taken.used_);
+    return taken;
+}
+
 QVariant OdbcRows::value(qsizetype row, int column) const {
     const Cell& cell = cells_[row * kinds.size() + column];
     if (cell.size < 0) {
@@ -389,14 +405,7 @@ QVariant OdbcRows::value(qsizetype row, int column) const {
     return {};
 }
 
-std::optional<QByteArrayView> OdbcRows::utf8(qsizetype row, int column) const {
-    const Cell& cell = cells_[row * kinds.size() + column];
-    if (cell.size < 0) {
-        return QByteArrayView();
-    }
-    if (kinds[column] == Kind::Text) {
-        return QByteArrayView(text_.constData() + cell.at, cell.size);
-    }
+std::optional<QByteArrayView> OdbcRows::dateUtf8(const Cell& cell, int column) const {
     if (!isDate(column)) {
         return std::nullopt;
     }
@@ -414,7 +423,7 @@ std::optional<QByteArrayView> OdbcRows::utf8(qsizetype row, int column) const {
     return QByteArrayView(text, length);
 }
 
-OdbcRows OdbcStatement::readAll(bool utf8Text) {
+OdbcRows OdbcStatement::readAll(bool utf8Text, const HandOver& handOver) {
     OdbcRows result;
     if (!moveToRows()) {
         return result;
@@ -443,9 +452,9 @@ OdbcRows OdbcStatement::readAll(bool utf8Text) {
         }
     }
     if (longText) {
-        readByCell(result, utf8Text);
+        readByCell(result, utf8Text, handOver);
     } else {
-        readInBlocks(result, sizes, utf8Text);
+        readInBlocks(result, sizes, utf8Text, handOver);
     }
     drain();
     return result;
@@ -453,7 +462,8 @@ OdbcRows OdbcStatement::readAll(bool utf8Text) {
 
 // Every column bound to a buffer of a block of rows, each text column as wide as its declared
 // size can take.
-void OdbcStatement::readInBlocks(OdbcRows& rows, const std::vector<qint64>& sizes, bool utf8Text) {
+void OdbcStatement::readInBlocks(OdbcRows& rows, const std::vector<qint64>& sizes, bool utf8Text,
+                                 const HandOver& handOver) {
     struct Column {
         SQLLEN width = 0;
         std::vector<char> buffer;
@@ -529,14 +539,20 @@ void OdbcStatement::readInBlocks(OdbcRows& rows, const std::vector<qint64>& size
                 }
             }
         }
+        if (handOver && rows.rowCount() >= kHandOverRows) {
+            handOver(rows);
+        }
     }
     SQLFreeStmt(handle_, SQL_UNBIND);
 }
 
 // A row at a time and a cell at a time, for a result with long text.
-void OdbcStatement::readByCell(OdbcRows& rows, bool utf8Text) {
+void OdbcStatement::readByCell(OdbcRows& rows, bool utf8Text, const HandOver& handOver) {
     const int count = int(rows.kinds.size());
     for (;;) {
+        if (handOver && rows.rowCount() >= kHandOverRows) {
+            handOver(rows);
+        }
         const SQLRETURN fetched = SQLFetch(handle_);
         if (fetched == SQL_NO_DATA) {
             return;

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVariant>
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -31,7 +32,24 @@ class OdbcRows {
     QVariant value(qsizetype row, int column) const;
     // A text, date or Null value (Null is empty) as the UTF-8 fieldText gives for it, valid
     // while the rows are (a date's until that column is asked again); nothing for a number.
-    std::optional<QByteArrayView> utf8(qsizetype row, int column) const;
+    std::optional<QByteArrayView> utf8(qsizetype row, int column) const {
+        const Cell& cell = cells_[std::size_t(row) * kinds.size() + std::size_t(column)];
+        if (cell.size < 0) {
+            return QByteArrayView();
+        }
+        if (kinds[column] == Kind::Text) {
+            return QByteArrayView(text_.constData() + cell.at, cell.size);
+        }
+        return dateUtf8(cell, column);
+    }
+    // An integer value; nothing for Null or any other kind.
+    std::optional<qint64> integer(qsizetype row, int column) const {
+        const Cell& cell = cells_[std::size_t(row) * kinds.size() + std::size_t(column)];
+        if (cell.size < 0 || kinds[column] != Kind::Integer) {
+            return std::nullopt;
+        }
+        return cell.at;
+    }
     bool isDate(int column) const { return kinds[column] >= Kind::Date; }
 
     // The next cell, in row order.
@@ -40,6 +58,8 @@ class OdbcRows {
     // Room for a text of at most `bytes` bytes at the end of the store, to be kept by appendText.
     char* textRoom(qsizetype bytes);
     void appendText(qsizetype bytes);
+    // The rows so far, leaving these columns with no rows.
+    OdbcRows takeRows();
 
   private:
     // A text's place in the store; a number's own value; size -1 for Null.
@@ -47,6 +67,9 @@ class OdbcRows {
         qint64 at;
         qint64 size;
     };
+    // A date's value as fieldText writes it; nothing for a number.
+    std::optional<QByteArrayView> dateUtf8(const Cell& cell, int column) const;
+
     std::vector<Cell> cells_;
     QByteArray text_;
     // A date as text, one per column: a list shows dates, and Qt's local time costs a look at the
@@ -69,8 +92,10 @@ class OdbcStatement final {
     void execute(const QString& sql, const QVariantList& values = {});
     // The first result that has columns, then every later result is consumed. utf8Text: the
     // driver hands out UTF-8 for SQL_C_CHAR (FreeTDS with ClientCharset=UTF-8); otherwise text
-    // is read wide, as every Windows driver gives it exactly.
-    OdbcRows readAll(bool utf8Text);
+    // is read wide, as every Windows driver gives it exactly. With handOver, each full block of
+    // rows is handed over as it arrives, to be taken from the rows given; the rest come back.
+    using HandOver = std::function<void(OdbcRows&)>;
+    OdbcRows readAll(bool utf8Text, const HandOver& handOver = {});
     // After readAll, the rows the statement changed: the last count it reported, which comes
     // after the counts of any trigger it set off.
     qint64 rowsChanged() const { return changed_; }
@@ -81,8 +106,9 @@ class OdbcStatement final {
     bool moveToRows();
     void drain();
     void noteRowCount();
-    void readInBlocks(OdbcRows& rows, const std::vector<qint64>& sizes, bool utf8Text);
-    void readByCell(OdbcRows& rows, bool utf8Text);
+    void readInBlocks(OdbcRows& rows, const std::vector<qint64>& sizes, bool utf8Text,
+                      const HandOver& handOver);
+    void readByCell(OdbcRows& rows, bool utf8Text, const HandOver& handOver);
     void readText(OdbcRows& rows, int column, bool utf8Text);
     [[noreturn]] void fail() const;
 
@@ -103,6 +129,7 @@ class OdbcCursor final : public RowCursor {
     std::optional<QByteArrayView> utf8(int column) const override {
         return rows_.utf8(row_, column);
     }
+    std::optional<qint64> integer(int column) const override { return rows_.integer(row_, column); }
 
   private:
     OdbcRows rows_;

@@ -6,81 +6,137 @@
 #include <sql.h>
 
 #include <QThreadPool>
-#include <chrono>
-#include <future>
-#include <mutex>
 
 #include "database/statement_wait.h"
 #include "runtime/runtime_error.h"
 
 namespace qivo::database {
-namespace {
 
 // The statement the work runs now, for a cancel from the waiting thread.
 struct CancelTarget {
     std::mutex mutex;
     void* statement = nullptr;
     bool cancelled = false;
-
-    void cancel() {
-        std::lock_guard lock(mutex);
-        cancelled = true;
-        if (statement) {
-            SQLCancel(statement);
-        }
-    }
 };
+
+namespace {
 
 thread_local CancelTarget* currentTarget = nullptr;
 
-// Waits for the work, showing the statement wait once it has taken a moment.
-void await(std::future<void>& finished, CancelTarget& target) {
-    using std::chrono::milliseconds;
-    if (finished.wait_for(milliseconds(kWaitShownAfterMs)) == std::future_status::ready) {
-        return;
-    }
-    const std::unique_ptr<StatementWait> wait = makeStatementWait();
-    if (!wait) {
-        return;
-    }
-    while (finished.wait_for(milliseconds(0)) != std::future_status::ready) {
-        if (wait->keepAlive(kWaitPollMs) && !target.cancelled) {
-            target.cancel();
+}  // namespace
+
+OdbcTask::OdbcTask()
+    : target_(std::make_unique<CancelTarget>()), started_(std::chrono::steady_clock::now()) {}
+
+OdbcTask::~OdbcTask() = default;
+
+std::shared_ptr<OdbcTask> OdbcTask::start(std::function<void(OdbcTask&)> work) {
+    std::shared_ptr<OdbcTask> task(new OdbcTask);
+    // The worker keeps the task alive: the waiting thread may drop it before the work ends.
+    QThreadPool::globalInstance()->start([task, work = std::move(work)] {
+        currentTarget = task->target_.get();
+        std::exception_ptr error;
+        try {
+            work(*task);
+        } catch (...) {
+            error = std::current_exception();
         }
+        currentTarget = nullptr;
+        std::lock_guard lock(task->mutex_);
+        task->ended_ = true;
+        task->error_ = error;
+        task->changed_.notify_all();
+    });
+    return task;
+}
+
+void OdbcTask::handOver(const std::function<void()>& change) {
+    std::lock_guard lock(mutex_);
+    change();
+    changed_.notify_all();
+}
+
+bool OdbcTask::waitFor(const std::function<bool()>& take) {
+    using std::chrono::milliseconds;
+    std::unique_lock lock(mutex_);
+    bool took = false;
+    const auto done = [&] {
+        took = took || take();
+        return took || ended_;
+    };
+    if (!waitMade_ &&
+        !changed_.wait_until(lock, started_ + milliseconds(kWaitShownAfterMs), done)) {
+        lock.unlock();
+        wait_ = makeStatementWait();
+        waitMade_ = true;
+        lock.lock();
+    }
+    if (!wait_) {
+        changed_.wait(lock, done);
+    }
+    // The windows are served between the work's hand-overs, which end the wait at once.
+    while (!done()) {
+        if (changed_.wait_for(lock, milliseconds(kWaitPollMs), done)) {
+            break;
+        }
+        lock.unlock();
+        if (wait_->keepAlive(0)) {
+            cancel();
+        }
+        lock.lock();
+    }
+    const bool ended = ended_;
+    lock.unlock();
+    if (ended) {
+        closeWait();
+    }
+    return took;
+}
+
+void OdbcTask::finish() {
+    settle();
+    if (!error_) {
+        return;
+    }
+    try {
+        std::rethrow_exception(error_);
+    } catch (const runtime::RuntimeError&) {
+        if (target_->cancelled) {
+            throwCancelled();
+        }
+        throw;
     }
 }
 
-}  // namespace
+void OdbcTask::settle() {
+    waitFor([] { return false; });
+}
+
+void OdbcTask::closeWait() {
+    wait_.reset();
+}
+
+void OdbcTask::cancel() {
+    std::lock_guard lock(target_->mutex);
+    if (target_->cancelled) {
+        return;
+    }
+    target_->cancelled = true;
+    if (target_->statement) {
+        SQLCancel(target_->statement);
+    }
+}
 
 void runOdbcWork(const std::function<void()>& work) {
     if (currentTarget) {
         work();
         return;
     }
-    CancelTarget target;
-    // The worker owns the promise: the waiting thread may go on as soon as it is kept.
-    auto done = std::make_shared<std::promise<void>>();
-    std::future<void> finished = done->get_future();
-    QThreadPool::globalInstance()->start([&work, &target, done] {
-        currentTarget = &target;
-        try {
-            work();
-            currentTarget = nullptr;
-            done->set_value();
-        } catch (...) {
-            currentTarget = nullptr;
-            done->set_exception(std::current_exception());
-        }
-    });
-    await(finished, target);
-    try {
-        finished.get();
-    } catch (const runtime::RuntimeError&) {
-        if (target.cancelled) {
-            throwCancelled();
-        }
-        throw;
-    }
+    OdbcTask::start([&work](OdbcTask&) { work(); })->finish();
+}
+
+bool inOdbcWork() {
+    return currentTarget != nullptr;
 }
 
 void statementStarting(void* statement) {

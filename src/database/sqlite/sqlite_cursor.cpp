@@ -68,6 +68,14 @@ QVariant SqliteCursor::value(int column) const {
     }
 }
 
+std::optional<qint64> SqliteCursor::integer(int column) const {
+    sqlite3_value* value = sqlite3_column_value(statement_, column);
+    if (sqlite3_value_type(value) != SQLITE_INTEGER) {
+        return std::nullopt;
+    }
+    return sqlite3_value_int64(value);
+}
+
 std::optional<QByteArrayView> SqliteCursor::utf8(int column) const {
     // One call into the statement instead of three: each takes the connection's lock.
     sqlite3_value* value = sqlite3_column_value(statement_, column);

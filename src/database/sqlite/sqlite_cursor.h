@@ -22,6 +22,7 @@ class SqliteCursor final : public RowCursor {
     bool next() override;
     QVariant value(int column) const override;
     std::optional<QByteArrayView> utf8(int column) const override;
+    std::optional<qint64> integer(int column) const override;
 
   private:
     bool step();
