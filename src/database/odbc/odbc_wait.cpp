@@ -69,21 +69,28 @@ bool OdbcTask::waitFor(const std::function<bool()>& take) {
         lock.unlock();
         wait_ = makeStatementWait();
         waitMade_ = true;
+        served_ = std::chrono::steady_clock::now();
         lock.lock();
     }
     if (!wait_) {
         changed_.wait(lock, done);
     }
-    // The windows are served between the work's hand-overs, which end the wait at once.
-    while (!done()) {
-        if (changed_.wait_for(lock, milliseconds(kWaitPollMs), done)) {
+    // Once the wait is shown the windows are served every poll, hand-overs coming or not.
+    while (wait_) {
+        const auto due = served_ + milliseconds(kWaitPollMs);
+        const bool ready = changed_.wait_until(lock, due, done);
+        if (ready && std::chrono::steady_clock::now() < due) {
             break;
         }
         lock.unlock();
+        served_ = std::chrono::steady_clock::now();
         if (wait_->keepAlive(0)) {
             cancel();
         }
         lock.lock();
+        if (ready) {
+            break;
+        }
     }
     const bool ended = ended_;
     lock.unlock();

@@ -51,6 +51,7 @@ class OdbcTask {
     // The waiting thread's own.
     std::unique_ptr<StatementWait> wait_;
     bool waitMade_ = false;
+    std::chrono::steady_clock::time_point served_;  // when the windows were last served
 };
 
 // Runs work on a worker thread and waits for its end as OdbcTask::finish does. Work started from
