@@ -53,7 +53,6 @@ std::unique_ptr<RowCursor> OdbcEngine::query(QSqlDatabase& db, const QString& sq
     if (inOdbcWork()) {
         return select(db, sql);
     }
-    finishReading();
     auto stream = std::make_unique<OdbcStream>(connectionHandle(db), sql, utf8Text(db));
     reading_ = stream->task();
     return stream;
@@ -153,7 +152,6 @@ QVariant OdbcEngine::dateValue(const QVariant& typed) const {
 }
 
 void OdbcEngine::run(const std::function<void()>& work) const {
-    finishReading();
     runOdbcWork(work);
 }
 
