@@ -26,11 +26,7 @@ QUtf8StringView fieldUtf8Text(const database::Recordset& record, int field, Cell
     if (const std::optional<qint64> number = record.fieldInteger(field)) {
         return numberText(*number, held);
     }
-    const QVariant value = record.field(field);
-    if (value.typeId() == QMetaType::LongLong || value.typeId() == QMetaType::Int) {
-        return numberText(value.toLongLong(), held);
-    }
-    held.converted = database::fieldText(value).toUtf8();
+    held.converted = database::fieldText(record.field(field)).toUtf8();
     return held.converted;
 }
 

@@ -297,19 +297,18 @@ std::optional<QByteArrayView> Recordset::fieldUtf8(const QString& name) const {
 }
 
 std::optional<QByteArrayView> Recordset::fieldUtf8(int position) const {
-    requireRecord();
-    if (updatable_ || !cursor_) {
-        return std::nullopt;
-    }
-    return cursor_->utf8(position);
+    const RowCursor* cursor = readOnlyCursor();
+    return cursor ? cursor->utf8(position) : std::nullopt;
 }
 
 std::optional<qint64> Recordset::fieldInteger(int position) const {
+    const RowCursor* cursor = readOnlyCursor();
+    return cursor ? cursor->integer(position) : std::nullopt;
+}
+
+const RowCursor* Recordset::readOnlyCursor() const {
     requireRecord();
-    if (updatable_ || !cursor_) {
-        return std::nullopt;
-    }
-    return cursor_->integer(position);
+    return updatable_ ? nullptr : cursor_.get();
 }
 
 void Recordset::AddNew() {

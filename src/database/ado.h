@@ -116,6 +116,8 @@ class Recordset final {
     int lookUpField(const QString& name) const;
     void fetchNext();
     void requireRecord() const;
+    // The cursor a read-only set's current record is read from; none for an updatable set.
+    const RowCursor* readOnlyCursor() const;
     void save();
     // Runs inside the save's own work, which may be on a worker thread: it touches only what
     // it is given.

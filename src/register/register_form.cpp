@@ -12,9 +12,8 @@ namespace {
 constexpr int kStateCol = 7;
 constexpr int kOpenCol = 8;
 
-// The household state: only the exact marker of a current household shows no state.
-// The household's state from its owner's 说明, read as bytes where the engine has them: the
-// list reads it on every row.
+// The household state: only the exact marker of a current household shows no state. The list
+// reads it on every row, as bytes where the engine has them.
 QString householdState(const database::Recordset& record) {
     const QString note = QStringLiteral("说明");
     const std::optional<QByteArrayView> bytes = record.fieldUtf8(note);

@@ -71,7 +71,7 @@ FlexGrid::~FlexGrid() {
 
 void FlexGrid::setRows(int rows) {
     if (rows < 1) {
-        throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+        throwBadSubscript();
     }
     model_->setRows(rows);
     row_ = std::min(row_, rows - 1);
@@ -80,7 +80,7 @@ void FlexGrid::setRows(int rows) {
 
 void FlexGrid::setCols(int cols) {
     if (cols < 0) {
-        throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+        throwBadSubscript();
     }
     widths_.resize(static_cast<std::size_t>(cols), defaultWidthTwips());
     formatWidths_.resize(static_cast<std::size_t>(cols), -1);
@@ -109,7 +109,7 @@ void FlexGrid::setColSel(int col) {
 
 void FlexGrid::setFixedCols(int cols) {
     if (cols < 0 || cols > Cols()) {
-        throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+        throwBadSubscript();
     }
     fixedCols_ = cols;
     if (fixedLook_ == nullptr) {
@@ -250,7 +250,7 @@ quint32 FlexGrid::cellBackColor(int row, int col) const {
 
 void FlexGrid::RemoveItem(int row) {
     if (row < 1) {
-        throw runtime::RuntimeError(kBadSubscript, QStringLiteral("下标越界"));
+        throwBadSubscript();
     }
     checkCell(row, 0);
     model_->removeGridRow(row);

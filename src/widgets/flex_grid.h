@@ -16,10 +16,10 @@ namespace qivo::widgets {
 // Cell alignment codes of the flex grid.
 constexpr int flexAlignLeftCenter = 1;
 constexpr int flexAlignCenterCenter = 4;
+constexpr int flexAlignRightCenter = 7;
 // Whether a cell property set from code changes the current cell or the cells Col to ColSel.
 constexpr int flexFillSingle = 0;
 constexpr int flexFillRepeat = 1;
-constexpr int flexAlignRightCenter = 7;
 
 // The flexible grid: row 0 is the header row, rows 1 .. Rows()-1 hold data. Colours are BGR
 // integers (0xFF0000 is blue); a cell without a colour of its own reads back as 0.
